@@ -1,0 +1,26 @@
+# How every target of this tree is compiled.
+
+set(CMAKE_CXX_STANDARD 17)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+
+# File sizes and offsets are 64 bits wide on every target, 32-bit ones included.
+add_compile_definitions(_FILE_OFFSET_BITS=64)
+
+if(TAVO_SANITIZE)
+    # Without -fno-sanitize-recover a finding would be printed and the test would still pass.
+    add_compile_options(-fsanitize=${TAVO_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    add_link_options(-fsanitize=${TAVO_SANITIZE})
+endif()
+
+# tavo_warnings(<target>...): the warnings that this tree is free of.
+function(tavo_warnings)
+    foreach(target IN LISTS ARGN)
+        target_compile_options(${target} PRIVATE
+            -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast
+            -Wnon-virtual-dtor $<$<BOOL:${TAVO_WARNINGS_AS_ERRORS}>:-Werror>)
+    endforeach()
+endfunction()

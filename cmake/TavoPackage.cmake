@@ -1,0 +1,37 @@
+# tavo_install_library(<target> PACKAGE <name> DESCRIPTION <text> INCLUDE <folder>
+#                      [DEPENDS <CMake package>...] [REQUIRES <pkg-config module>...])
+#
+# Installs a shared library with its headers, a CMake package and a pkg-config file. The package's
+# target is Brenmoor::<name>.
+function(tavo_install_library target)
+    cmake_parse_arguments(ARG "" "PACKAGE;DESCRIPTION;INCLUDE" "DEPENDS;REQUIRES" ${ARGN})
+    set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/${ARG_PACKAGE})
+
+    install(TARGETS ${target} EXPORT ${ARG_PACKAGE}Targets
+        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+        INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+    install(DIRECTORY ${ARG_INCLUDE}/${ARG_PACKAGE} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+    install(EXPORT ${ARG_PACKAGE}Targets NAMESPACE Brenmoor:: DESTINATION ${package_dir})
+
+    set(TAVO_PACKAGE ${ARG_PACKAGE})
+    set(TAVO_DEPENDENCIES "")
+    foreach(dependency IN LISTS ARG_DEPENDS)
+        string(APPEND TAVO_DEPENDENCIES "find_dependency(${dependency})\n")
+    endforeach()
+    configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/Package.cmake.in
+        ${CMAKE_CURRENT_BINARY_DIR}/${ARG_PACKAGE}Config.cmake INSTALL_DESTINATION ${package_dir})
+    write_basic_package_version_file(${CMAKE_CURRENT_BINARY_DIR}/${ARG_PACKAGE}ConfigVersion.cmake
+        VERSION ${PROJECT_VERSION} COMPATIBILITY SameMajorVersion)
+    install(FILES
+        ${CMAKE_CURRENT_BINARY_DIR}/${ARG_PACKAGE}Config.cmake
+        ${CMAKE_CURRENT_BINARY_DIR}/${ARG_PACKAGE}ConfigVersion.cmake
+        DESTINATION ${package_dir})
+
+    set(TAVO_DESCRIPTION ${ARG_DESCRIPTION})
+    set(TAVO_LIBRARY ${target})
+    list(JOIN ARG_REQUIRES ", " TAVO_REQUIRES)
+    configure_file(${PROJECT_SOURCE_DIR}/cmake/Package.pc.in
+        ${CMAKE_CURRENT_BINARY_DIR}/${ARG_PACKAGE}.pc @ONLY)
+    install(FILES ${CMAKE_CURRENT_BINARY_DIR}/${ARG_PACKAGE}.pc
+        DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+endfunction()

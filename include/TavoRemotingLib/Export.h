@@ -1,0 +1,4 @@
+#pragma once
+
+/// Marks what the shared object shows; everything else is hidden.
+#define TAVO_EXPORT __attribute__((visibility("default")))

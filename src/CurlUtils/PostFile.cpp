@@ -1,0 +1,83 @@
+#include "CurlUtils/UploadForm.h"
+
+#include <TavoRemotingLib/CurlUtils.h>
+
+namespace Brenmoor {
+namespace TavoRemotingLib {
+namespace CurlUtils {
+
+PostFile::MyFdSet::MyFdSet() : fd_set() {
+    FD_ZERO(this);
+}
+
+bool PostFile::MyFdSet::HasBits() const {
+    for (int descriptor = 0; descriptor < FD_SETSIZE; ++descriptor) {
+        if (FD_ISSET(descriptor, this)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+PostFile::MyTimeval::MyTimeval() : timeval() {
+    Reset(-1);
+}
+
+void PostFile::MyTimeval::Reset(long milliseconds) {
+    tv_sec = 0;
+    tv_usec = 1;
+    if (milliseconds >= 0) {
+        tv_sec = milliseconds / 1000;
+        tv_usec = (milliseconds % 1000) * 1000;
+    }
+}
+
+PostFile::PostFile(const std::string& requestUrl)
+    : CurlOperationBase(requestUrl), formPost(nullptr), formLast(nullptr), headerList(nullptr) {}
+
+// Delegates, so that the destructor runs and frees everything when a later step throws.
+PostFile::PostFile(const std::string& requestUrl, const std::string& name,
+                   const std::string& content, bool contentIsFileName, bool verbose,
+                   long timeoutSeconds)
+    : PostFile(requestUrl) {
+    const FormAddFileCopyFromString file(formPost, formLast, name, UploadContent(content),
+                                         contentIsFileName);
+    InitCurl(true);
+    headerList = HeadersWithoutExpect();
+    SetUploadOptions(formPost, headerList, verbose, timeoutSeconds);
+    ThrowMulti(curl_multi_add_handle(multi, curl), "curl_multi_add_handle()");
+    int running = 0;
+    ThrowMulti(curl_multi_perform(multi, &running), "curl_multi_perform()");
+    do {
+        Wait();
+        ThrowMulti(curl_multi_perform(multi, &running), "curl_multi_perform()");
+    } while (running != 0);
+    // The transfer's own result is deliberately not asked for: a reply that broke off after its
+    // first header line counts, and its reader judges it.
+    ThrowUnlessConnected();
+    ThrowUnlessAnswered();
+}
+
+PostFile::~PostFile() {
+    FreeUpload(formPost, headerList);
+}
+
+void PostFile::Wait() {
+    MyTimeval timeout;
+    MyFdSet read;
+    MyFdSet write;
+    MyFdSet exception;
+    int maxFd = -1;
+    long curlTimeoutMs = -1;
+    // The label's spelling is part of the message that hosts know.
+    ThrowMulti(curl_multi_timeout(multi, &curlTimeoutMs), "curl_multi_timoeut");
+    timeout.Reset(curlTimeoutMs);
+    ThrowMulti(curl_multi_fdset(multi, &read, &write, &exception, &maxFd), "curl_multi_fdset()");
+    if (select(maxFd + 1, &read, &write, &exception, &timeout) == -1) {
+        throw std::runtime_error("select() failed while performing file transfer");
+    }
+}
+
+} // namespace CurlUtils
+} // namespace TavoRemotingLib
+} // namespace Brenmoor

@@ -1,0 +1,67 @@
+#include <TavoRemotingLib/CurlUtils.h>
+#include <TavoRemotingLib/HalcyrREST.h>
+
+#include <utility>
+
+namespace Brenmoor {
+namespace TavoRemotingLib {
+
+namespace {
+
+/// Of every exchange but a poll.
+constexpr long limitSeconds = 300;
+
+} // namespace
+
+HalcyrREST::HalcyrREST(const std::string& serverAddress, MirrinFramework::Logger& hostLogger,
+                       bool trace)
+    : server(serverAddress), verbose(trace), logger(hostLogger) {}
+
+std::string HalcyrREST::Address(const std::string& operation) const {
+    return "http://" + server + "/xp?op=" + operation;
+}
+
+std::string HalcyrREST::Address(const std::string& operation, const std::string& id) const {
+    return Address(operation) + "&id=" + EncodeURL(id);
+}
+
+std::string HalcyrREST::Get(const std::string& address, const std::string& label) const {
+    return Get(address, label, limitSeconds);
+}
+
+std::string HalcyrREST::Get(const std::string& address, const std::string& label,
+                            long timeoutSeconds) const {
+    CurlUtils::HttpGet transfer(address, logger, verbose, timeoutSeconds);
+    ExpectOK(transfer, label);
+    return std::move(transfer.body);
+}
+
+void HalcyrREST::Upload(const std::string& address, const std::string& content,
+                        bool contentIsFileName, const std::string& label) const {
+    const CurlUtils::PostFile2 transfer(address, "content", content, logger, contentIsFileName,
+                                        verbose, limitSeconds);
+    ExpectOK(transfer, label);
+}
+
+HalcyrREST::EmptyCommandException::EmptyCommandException(const std::string& message)
+    : std::runtime_error(message) {}
+
+HalcyrREST::EmptyCommandException::~EmptyCommandException() = default;
+
+HalcyrREST::JSONParsingError::JSONParsingError(const std::string& message)
+    : std::runtime_error(message) {}
+
+HalcyrREST::JSONParsingError::~JSONParsingError() = default;
+
+HalcyrREST::RemoteCommandFormatError::RemoteCommandFormatError(const std::string& message)
+    : std::runtime_error(message) {}
+
+HalcyrREST::RemoteCommandFormatError::~RemoteCommandFormatError() = default;
+
+HalcyrREST::ServerTimeoutOnRequest::ServerTimeoutOnRequest(const std::string& message)
+    : std::runtime_error(message) {}
+
+HalcyrREST::ServerTimeoutOnRequest::~ServerTimeoutOnRequest() = default;
+
+} // namespace TavoRemotingLib
+} // namespace Brenmoor

@@ -1,0 +1,65 @@
+#include <TavoRemotingLib/HalcyrREST.h>
+
+#include <boost/algorithm/string/trim.hpp>
+
+namespace Brenmoor {
+namespace TavoRemotingLib {
+
+namespace {
+
+std::string SwitchCommand(bool on) {
+    return on ? "&cmd=on" : "&cmd=off";
+}
+
+} // namespace
+
+void HalcyrREST::TurnPayloadOff(const std::string& id) {
+    Get(Address("off", id), "Turn Payload Off");
+}
+
+void HalcyrREST::SetPayloadKELDSwitch(const std::string& id, const std::string& switchName,
+                                      bool on) {
+    Switch(Address("pwr", id) + "&sw=" + EncodeURL(switchName) + SwitchCommand(on));
+}
+
+void HalcyrREST::SetPayloadKELDSwitch(const std::string& id, bool on) {
+    Switch(Address("pwr", id) + SwitchCommand(on));
+}
+
+void HalcyrREST::Switch(const std::string& address) const {
+    const std::string reply = Get(address, "Set Payload KELD Switch");
+    if (boost::algorithm::trim_copy(reply) != "OK") {
+        throw std::runtime_error("Server operation returned '" + reply + "' for " + address);
+    }
+}
+
+std::string HalcyrREST::RunScript(const std::string& id, const std::string& command) {
+    return Get(Address("script", id) + "&cmd=" + EncodeURL(command), "Run Script");
+}
+
+void HalcyrREST::RegistrationComplete(const std::string& id) {
+    Get(Address("metadone", id), "Registration complete");
+}
+
+void HalcyrREST::DelayShutdown(const std::string& id, long delay) {
+    // The label is deliberately the poll's: a shutdown is postponed in answer to one, and hosts
+    // know the messages by that name.
+    Get(Address("offdelay", id) + "&delay=" + std::to_string(delay) + "&setdefault=0", "Poll");
+}
+
+void HalcyrREST::InstallJar(const std::string& id, const std::string& jarFile) {
+    Upload(Address("jar", id), jarFile, true, "Install JAR");
+}
+
+void HalcyrREST::RespondToCommand(const std::string& id, const std::string& tag,
+                                  const std::string& response, bool complete, bool succeeded) {
+    // The id deliberately goes out as it is: it is one that the server issued. The flags are sent
+    // only when false.
+    const std::string address = Address("reply") + "&id=" + id + "&tag=" + EncodeURL(tag) +
+                                (complete ? "" : "&complete=false") +
+                                (succeeded ? "" : "&succeeded=false");
+    Upload(address, response, false, "Respond to Command");
+}
+
+} // namespace TavoRemotingLib
+} // namespace Brenmoor

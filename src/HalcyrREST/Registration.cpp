@@ -1,0 +1,47 @@
+#include <TavoRemotingLib/HalcyrREST.h>
+
+#include <boost/algorithm/string/predicate.hpp>
+#include <boost/algorithm/string/trim.hpp>
+
+namespace Brenmoor {
+namespace TavoRemotingLib {
+
+namespace {
+
+/// A document travels without its outer braces; the reader puts them back. A text that lacks one
+/// of them is deliberately left as it is.
+std::string WithoutBraces(const std::string& document) {
+    const std::string trimmed = boost::algorithm::trim_copy(document);
+    if (boost::algorithm::starts_with(trimmed, "{") && boost::algorithm::ends_with(trimmed, "}")) {
+        return trimmed.substr(1, trimmed.size() - 2);
+    }
+    return trimmed;
+}
+
+} // namespace
+
+std::string HalcyrREST::GetPayloadRegistrationContent(const std::string& fileName,
+                                                      const PayloadRegistration& registration) {
+    return registration.ToJSON(fileName);
+}
+
+void HalcyrREST::RegisterPayload(const std::string& id, const std::string& fileName,
+                                 const PayloadRegistration& registration,
+                                 const std::string& hostId) {
+    RegisterPayloadWithContent(id, GetPayloadRegistrationContent(fileName, registration), hostId);
+}
+
+void HalcyrREST::RegisterPayloadWithContent(const std::string& id, const std::string& content,
+                                            const std::string& hostId) {
+    std::string address = Address("meta");
+    if (!id.empty()) {
+        address += "&id=" + EncodeURL(id);
+    }
+    if (!hostId.empty()) {
+        address += "&hostid=" + EncodeURL(hostId);
+    }
+    Upload(address, WithoutBraces(content), false, "Payload Registration");
+}
+
+} // namespace TavoRemotingLib
+} // namespace Brenmoor
