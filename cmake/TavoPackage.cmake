@@ -30,6 +30,8 @@ function(tavo_install_library target)
     set(TAVO_DESCRIPTION ${ARG_DESCRIPTION})
     set(TAVO_LIBRARY ${target})
     list(JOIN ARG_REQUIRES ", " TAVO_REQUIRES)
+    # From the .pc file up to the prefix, so that an installed tree may be moved.
+    file(RELATIVE_PATH TAVO_UP /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
     configure_file(${PROJECT_SOURCE_DIR}/cmake/Package.pc.in
         ${CMAKE_CURRENT_BINARY_DIR}/${ARG_PACKAGE}.pc @ONLY)
     install(FILES ${CMAKE_CURRENT_BINARY_DIR}/${ARG_PACKAGE}.pc

@@ -116,13 +116,13 @@ protected:
     /// Releases the handles; safe to call again.
     void cleanup() noexcept;
 
-    // The steps that the transfers below share.
-    void SetUploadOptions(curl_httppost* form, curl_slist* headerList, bool verbose,
-                          long timeoutSeconds);
-    void Perform();
-    void ThrowUnlessConnected();
-    void ThrowUnlessAnswered() const;
-    void LogReply(MirrinFramework::Logger& logger) const;
+    // Steps that the library's own transfers share; not for classes outside of it.
+    TAVO_LOCAL void SetUploadOptions(curl_httppost* form, curl_slist* headerList, bool verbose,
+                                     long timeoutSeconds);
+    TAVO_LOCAL void Perform();
+    TAVO_LOCAL void ThrowUnlessConnected();
+    TAVO_LOCAL void ThrowUnlessAnswered() const;
+    TAVO_LOCAL void LogReply(MirrinFramework::Logger& logger) const;
 
     CURL* curl;
     CURLM* multi;
@@ -205,8 +205,8 @@ protected:
     curl_slist* headerList;
 
 private:
-    explicit PostFile(const std::string& requestUrl);
-    void Wait();
+    TAVO_LOCAL explicit PostFile(const std::string& requestUrl);
+    TAVO_LOCAL void Wait();
 };
 
 /// A multipart upload: one HTTP POST with the parts "file", "filename" and "submit".
@@ -232,7 +232,7 @@ protected:
     curl_slist* headerList;
 
 private:
-    explicit PostFile2(const std::string& requestUrl);
+    TAVO_LOCAL explicit PostFile2(const std::string& requestUrl);
 };
 
 } // namespace CurlUtils

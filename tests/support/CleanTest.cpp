@@ -10,6 +10,12 @@ namespace Testing {
 
 namespace {
 
+/// Asked once, before a test has changed TMPDIR.
+const std::string& BaseFolder() {
+    static const std::string folder = ::testing::TempDir();
+    return folder;
+}
+
 std::size_t OpenDescriptors() {
     return CountEntries("/proc/self/fd");
 }
@@ -22,7 +28,7 @@ std::size_t CountEntries(const std::string& path) {
 }
 
 void CleanTest::SetUp() {
-    std::string pattern = ::testing::TempDir() + "tavo-test-XXXXXX";
+    std::string pattern = BaseFolder() + "tavo-test-XXXXXX";
     ASSERT_NE(mkdtemp(pattern.data()), nullptr);
     folder = pattern;
     tempFolder = folder + "/tmp";
