@@ -29,7 +29,7 @@ namespace CurlUtils {
 class TAVO_EXPORT CurlEasyException : public std::runtime_error {
 public:
     CurlEasyException(CURLcode code, const std::string& message);
-    virtual ~CurlEasyException();
+    ~CurlEasyException() override;
 
     CURLcode code;
 };
@@ -38,7 +38,7 @@ public:
 class TAVO_EXPORT CurlFormException : public std::runtime_error {
 public:
     CurlFormException(CURLFORMcode code, const std::string& message);
-    virtual ~CurlFormException();
+    ~CurlFormException() override;
 
     CURLFORMcode code;
 };
@@ -47,7 +47,7 @@ public:
 class TAVO_EXPORT CurlMultiException : public std::runtime_error {
 public:
     CurlMultiException(CURLMcode code, const std::string& message);
-    virtual ~CurlMultiException();
+    ~CurlMultiException() override;
 
     CURLMcode code;
 };
@@ -56,14 +56,14 @@ public:
 class TAVO_EXPORT ConnectionFailure : public std::runtime_error {
 public:
     explicit ConnectionFailure(const std::string& message);
-    virtual ~ConnectionFailure();
+    ~ConnectionFailure() override;
 };
 
 /// The connection was made, but not one header line came back.
 class TAVO_EXPORT ServerDidNotRespond : public std::runtime_error {
 public:
     explicit ServerDidNotRespond(const std::string& message);
-    virtual ~ServerDidNotRespond();
+    ~ServerDidNotRespond() override;
 };
 
 /// Each returns when `code` is 0 and otherwise throws its exception. `label` names the libcurl
@@ -144,7 +144,7 @@ public:
     /// reply is not looked at: a 404 is a reply like any other.
     HttpGet(const std::string& requestUrl, MirrinFramework::Logger& logger, bool trace,
             long limitSeconds);
-    virtual ~HttpGet();
+    ~HttpGet() override;
 
     /// Frees the connection now instead of with the object; `headers` and `body` stay.
     void Close();
@@ -197,7 +197,7 @@ public:
     /// signal with a handler is enough to cause. Descriptors of 1024 and above are not waited for.
     PostFile(const std::string& requestUrl, const std::string& name, const std::string& content,
              bool contentIsFileName, bool verbose, long timeoutSeconds);
-    virtual ~PostFile();
+    ~PostFile() override;
 
 protected:
     curl_httppost* formPost;
@@ -224,7 +224,7 @@ public:
     PostFile2(const std::string& requestUrl, const std::string& name, const std::string& content,
               MirrinFramework::Logger& logger, bool contentIsFileName, bool verbose,
               long timeoutSeconds);
-    virtual ~PostFile2();
+    ~PostFile2() override;
 
 protected:
     curl_httppost* formPost;

@@ -36,28 +36,28 @@ public:
     class TAVO_EXPORT EmptyCommandException : public std::runtime_error {
     public:
         explicit EmptyCommandException(const std::string& message);
-        virtual ~EmptyCommandException();
+        ~EmptyCommandException() override;
     };
 
     /// A step of reading JSON failed with this very error, and was told with its context.
     class TAVO_EXPORT JSONParsingError : public std::runtime_error {
     public:
         explicit JSONParsingError(const std::string& message);
-        virtual ~JSONParsingError();
+        ~JSONParsingError() override;
     };
 
     /// A command of a poll's reply lacks a member or its response tag.
     class TAVO_EXPORT RemoteCommandFormatError : public std::runtime_error {
     public:
         explicit RemoteCommandFormatError(const std::string& message);
-        virtual ~RemoteCommandFormatError();
+        ~RemoteCommandFormatError() override;
     };
 
     /// The server held a poll for its whole time and had nothing to report.
     class TAVO_EXPORT ServerTimeoutOnRequest : public std::runtime_error {
     public:
         explicit ServerTimeoutOnRequest(const std::string& message);
-        virtual ~ServerTimeoutOnRequest();
+        ~ServerTimeoutOnRequest() override;
     };
 
     /// One command addressed to the payload.
