@@ -17,7 +17,8 @@ namespace Brenmoor {
 namespace TavoRemotingLib {
 
 /// One HTTP exchange per object, performed whole in its constructor: when the constructor returns,
-/// the reply is in the object; when it throws, nothing is left behind.
+/// the reply is in the object; when it throws, nothing is left behind. The environment's
+/// http_proxy, all_proxy and NO_PROXY are honoured, and TMPDIR by uploads.
 ///
 /// An exchange blocks its thread and belongs to it. Distinct exchanges share nothing and may run
 /// on distinct threads at once. Before the first thread starts, a host must call
@@ -52,7 +53,7 @@ public:
     CURLMcode code;
 };
 
-/// The exchange ended without an error of libcurl's, yet no connection had been made.
+/// No connection had been made, and libcurl told no error of its own or was not asked for it.
 class TAVO_EXPORT ConnectionFailure : public std::runtime_error {
 public:
     explicit ConnectionFailure(const std::string& message);
@@ -167,8 +168,8 @@ public:
     ///
     /// The file is the path that `content` holds when `contentIsFileName`, otherwise a temporary
     /// one with the bytes of `content`. A path ends at its first zero byte. `name` is not used.
-    /// Throws CurlFormException, or std::system_error when the file cannot be written; parts
-    /// added before stay in the form.
+    /// Throws CurlFormException, or std::system_error when the temporary file, which is made in
+    /// any case, cannot be created or written; parts added before stay in the form.
     FormAddFileCopyFromString(curl_httppost*& first, curl_httppost*& last, const std::string& name,
                               const std::string& content, bool contentIsFileName);
 };
@@ -176,25 +177,52 @@ public:
 /// A multipart upload through libcurl's multi interface; it logs nothing.
 class TAVO_EXPORT PostFile : public CurlOperationBase {
 public:
+    // Inline, because the size of a timeval is the host's choice on a 32-bit target.
+
     /// A set of FD_SETSIZE (1024) descriptors, empty when made.
-    class TAVO_EXPORT MyFdSet : public fd_set {
+    class MyFdSet : public fd_set {
     public:
-        MyFdSet();
-        bool HasBits() const;
+        MyFdSet() : fd_set() {
+            FD_ZERO(this);
+        }
+
+        bool HasBits() const {
+            for (int descriptor = 0; descriptor < FD_SETSIZE; ++descriptor) {
+                if (FD_ISSET(descriptor, this)) {
+                    return true;
+                }
+            }
+            return false;
+        }
     };
 
     /// A waiting time, 1 microsecond when made.
-    class TAVO_EXPORT MyTimeval : public timeval {
+    class MyTimeval : public timeval {
     public:
-        MyTimeval();
+        MyTimeval() : timeval() {
+            Reset(-1);
+        }
+
         /// Sets the time; a negative one means 1 microsecond, so that no wait is endless.
-        void Reset(long milliseconds);
+        void Reset(long milliseconds) {
+            tv_sec = 0;
+            tv_usec = 1;
+            if (milliseconds >= 0) {
+                tv_sec = milliseconds / 1000;
+                tv_usec = (milliseconds % 1000) * 1000;
+            }
+        }
     };
 
-    /// As PostFile2, but without a log; and a transfer that libcurl gives up after the connection
-    /// and the first header line counts as done. Throws CurlMultiException in place of
-    /// CurlEasyException while performing, and std::runtime_error when waiting fails, which a
-    /// signal with a handler is enough to cause. Descriptors of 1024 and above are not waited for.
+    /// As PostFile2, but without a log, and without asking for the transfer's own result: one that
+    /// broke off after the connection and the first header line counts as done.
+    ///
+    /// A failed transfer is a ConnectionFailure when there was no connection (also for an address
+    /// that is no URL), else a ServerDidNotRespond when there was no header line (also for a
+    /// time-out and a file that cannot be read). Throws CurlMultiException when a call of the
+    /// multi interface itself fails, CurlEasyException for a limit that libcurl refuses, and
+    /// std::runtime_error when waiting fails, which a signal with a handler is enough to cause.
+    /// Descriptors of 1024 and above are not waited for.
     PostFile(const std::string& requestUrl, const std::string& name, const std::string& content,
              bool contentIsFileName, bool verbose, long timeoutSeconds);
     ~PostFile() override;
@@ -218,9 +246,10 @@ public:
     /// Limits as for HttpGet. `logger` gets the request and a dump of the content at level 7 (the
     /// text of `name` stands for a file's content) and the reply at level 8; it is not kept.
     ///
-    /// Throws what HttpGet throws, also for a file that cannot be read; CurlFormException; and
-    /// std::system_error when the temporary file cannot be written. A directory is sent as an
-    /// empty file, and the path "-" means standard input, as libcurl has it.
+    /// Throws what HttpGet throws, also for a file that cannot be read; CurlFormException;
+    /// std::system_error when the temporary file, which is made in any case, cannot be created or
+    /// written; and std::bad_alloc. A directory is sent as an empty file, and the path "-" means
+    /// standard input, as libcurl has it.
     PostFile2(const std::string& requestUrl, const std::string& name, const std::string& content,
               MirrinFramework::Logger& logger, bool contentIsFileName, bool verbose,
               long timeoutSeconds);

@@ -15,18 +15,24 @@ namespace TavoRemotingLib {
 
 /// The payload's client of the vehicle's payload server.
 ///
-/// Each operation is one blocking HTTP exchange on the calling thread. It returns when the server
-/// has answered with a status line ending in " OK", and throws otherwise; then nothing is kept,
-/// retried or left behind, and the client is as it was. Unless an operation says otherwise, making
-/// the connection may take 10 seconds and the whole exchange 301.
+/// Each operation that sends something is one blocking HTTP exchange on the calling thread. It
+/// returns when the server has answered with a status line ending in " OK", and throws otherwise;
+/// then nothing is kept, retried or left behind, and the client is as it was. Unless an operation
+/// says otherwise, making the connection may take 10 seconds and the whole exchange 301.
 ///
-/// Every operation may throw
+/// Every such operation may throw
 ///   - CurlUtils::CurlEasyException: no connection, time-out, broken reply, an address that is no
 ///   URL
 ///   - CurlUtils::ConnectionFailure, CurlUtils::ServerDidNotRespond: no usable exchange took place
 ///   - std::runtime_error: the status line is missing or does not end in " OK"
+///   - std::bad_alloc
 /// and those that upload also CurlUtils::CurlFormException, and std::system_error when the
-/// temporary file for the content cannot be written. All of them derive from std::runtime_error.
+/// temporary file that every upload makes cannot be created or written. All but std::bad_alloc
+/// derive from std::runtime_error.
+///
+/// JSON is read by jsoncpp. Nesting of more than 1000 levels is its own Json::RuntimeError, a
+/// std::exception that is no std::runtime_error; and while the process's global C++ locale has a
+/// decimal point other than ".", jsoncpp refuses numbers with a fraction.
 ///
 /// Strings are bytes, taken as they are. Several threads may use one client at once: it never
 /// changes, and each call has its own connection. The logger must outlive the client.
@@ -79,7 +85,7 @@ public:
     public:
         GPSInfo() = default;
         /// Reads one position object, braces optional. A missing or non-numeric member is told by
-        /// `hasError`; throws only std::runtime_error, for a text that is not JSON.
+        /// `hasError`; throws only for a text that is not JSON, std::runtime_error as a rule.
         TAVO_EXPORT explicit GPSInfo(const std::string& json);
 
         bool received = false; ///< the server sent a position, usable or not
@@ -159,9 +165,9 @@ public:
         /// Reads the registration file (JSON, braces optional, at most 32768 bytes).
         ///
         /// Throws std::invalid_argument for a larger file, std::length_error for one that cannot
-        /// be opened, std::runtime_error for one that is not JSON, each also told on standard
-        /// output without a line end; and the JSON library's own std::exception for a member
-        /// that cannot be converted.
+        /// be opened, std::ios_base::failure for one that cannot be read, std::runtime_error for
+        /// one that is not JSON, each also told on standard output without a line end; and the
+        /// JSON library's own std::exception for a member that cannot be converted.
         TAVO_EXPORT explicit PayloadRegistration(const std::string& fileName);
 
         /// The file's document with the six members written over it, all others carried through.
@@ -193,8 +199,11 @@ public:
     /// not "OK" (white space around it is allowed).
     TAVO_EXPORT void SetPayloadKELDSwitch(const std::string& id, const std::string& switchName,
                                           bool on);
-    /// The same for the payload's own switch.
+    /// The same without naming a switch.
     TAVO_EXPORT void SetPayloadKELDSwitch(const std::string& id, bool on);
+    /// A switch name without on or off would otherwise be taken for true.
+    template <typename T>
+    void SetPayloadKELDSwitch(const std::string& id, const T* switchName) = delete;
 
     /// Has the server run a script and returns the reply's body as received.
     TAVO_EXPORT std::string RunScript(const std::string& id, const std::string& command);
@@ -209,8 +218,9 @@ public:
     /// Uploads a JAR file for installation. A missing file is a CurlUtils::CurlEasyException.
     TAVO_EXPORT void InstallJar(const std::string& id, const std::string& jarFile);
 
-    /// Answers a command received from Poll(). `complete` false announces further answers;
-    /// `succeeded` false reports a failure. `id` goes into the request address unescaped.
+    /// Answers a command received from Poll(). `complete` false says that the command is
+    /// not complete yet, `succeeded` false that it failed. `id` goes into the request address
+    /// unescaped.
     TAVO_EXPORT void RespondToCommand(const std::string& id, const std::string& tag,
                                       const std::string& response, bool complete, bool succeeded);
 
@@ -218,10 +228,11 @@ public:
     ///
     /// A null pointer means that this result is not asked for. `timeoutMs` is how long the server
     /// may hold the request, in milliseconds; a negative one means an hour. The call may block for
-    /// that time, rounded up to whole seconds, and 61 seconds more. `maxCommands` limits the
-    /// number of commands.
+    /// that time, rounded up to whole seconds, and 61 seconds more. `maxCommands` tells the server
+    /// how many commands to return at most; 0 or less asks for none.
     ///
-    /// Throws, besides what every operation may throw,
+    /// Throws, besides what every operation may throw (CurlUtils::CurlEasyException with code 43
+    /// for a time above 2147422000 ms, which libcurl refuses),
     ///   - std::invalid_argument: nothing was asked for; nothing was sent or changed
     ///   - ServerTimeoutOnRequest: nothing happened in that time; the usual reason to poll again
     ///   - EmptyCommandException: the reply had no body
@@ -251,7 +262,8 @@ public:
     TAVO_EXPORT void SendFileToShore(const std::string& id, const std::string& fileName,
                                      const std::string& remote);
 
-    /// The document that RegisterPayload() sends; see PayloadRegistration::ToJSON().
+    /// The document that RegisterPayload() sends, with its outer braces; nothing is sent. See
+    /// PayloadRegistration::ToJSON().
     TAVO_EXPORT std::string GetPayloadRegistrationContent(const std::string& fileName,
                                                           const PayloadRegistration& registration);
     /// Registers the payload with the document made of its file and its record. `id` and
@@ -259,7 +271,8 @@ public:
     TAVO_EXPORT void RegisterPayload(const std::string& id, const std::string& fileName,
                                      const PayloadRegistration& registration,
                                      const std::string& hostId);
-    /// The same with a ready document, sent without its outer braces and otherwise unchecked.
+    /// The same with a ready document. White space around it and its outer braces are removed, the
+    /// braces only if both are there; it is not checked otherwise.
     TAVO_EXPORT void RegisterPayloadWithContent(const std::string& id, const std::string& content,
                                                 const std::string& hostId);
 

@@ -16,7 +16,7 @@ HttpGet::HttpGet(const std::string& requestUrl, MirrinFramework::Logger& logger,
     SetOpt(CURLOPT_URL, url.c_str());
     SetOpt(CURLOPT_NOPROGRESS, 1L);
     SetOpt(CURLOPT_NOSIGNAL, 1L);
-    SetOpt(CURLOPT_CONNECTTIMEOUT, 10);
+    SetOpt(CURLOPT_CONNECTTIMEOUT, connectLimitSeconds);
     SetOpt(CURLOPT_TIMEOUT, WholeExchangeLimit(timeoutSeconds));
     SetOpt(CURLOPT_FTP_RESPONSE_TIMEOUT, timeoutSeconds);
     SetOpt(CURLOPT_VERBOSE, static_cast<long>(verbose));

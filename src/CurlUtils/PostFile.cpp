@@ -6,32 +6,6 @@ namespace Brenmoor {
 namespace TavoRemotingLib {
 namespace CurlUtils {
 
-PostFile::MyFdSet::MyFdSet() : fd_set() {
-    FD_ZERO(this);
-}
-
-bool PostFile::MyFdSet::HasBits() const {
-    for (int descriptor = 0; descriptor < FD_SETSIZE; ++descriptor) {
-        if (FD_ISSET(descriptor, this)) {
-            return true;
-        }
-    }
-    return false;
-}
-
-PostFile::MyTimeval::MyTimeval() : timeval() {
-    Reset(-1);
-}
-
-void PostFile::MyTimeval::Reset(long milliseconds) {
-    tv_sec = 0;
-    tv_usec = 1;
-    if (milliseconds >= 0) {
-        tv_sec = milliseconds / 1000;
-        tv_usec = (milliseconds % 1000) * 1000;
-    }
-}
-
 PostFile::PostFile(const std::string& requestUrl)
     : CurlOperationBase(requestUrl), formPost(nullptr), formLast(nullptr), headerList(nullptr) {}
 

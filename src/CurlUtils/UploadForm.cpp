@@ -42,7 +42,7 @@ void CurlOperationBase::SetUploadOptions(curl_httppost* form, curl_slist* header
                                          long timeoutSeconds) {
     SetOpt(CURLOPT_URL, url.c_str());
     SetOpt(CURLOPT_NOSIGNAL, 1L);
-    SetOpt(CURLOPT_CONNECTTIMEOUT, 10);
+    SetOpt(CURLOPT_CONNECTTIMEOUT, connectLimitSeconds);
     SetOpt(CURLOPT_TIMEOUT, WholeExchangeLimit(timeoutSeconds));
     SetOpt(CURLOPT_FTP_RESPONSE_TIMEOUT, timeoutSeconds);
     if (verbose) {

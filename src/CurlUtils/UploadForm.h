@@ -14,8 +14,8 @@ void FreeUpload(curl_httppost* form, curl_slist* headerList) noexcept;
 /// leave before it sends a large body. Throws std::bad_alloc.
 curl_slist* HeadersWithoutExpect();
 
-/// The content of an upload as it travels: the caller's bytes and one zero byte, which the server
-/// counts on. The zero byte also ends a path where the caller's text ends.
+/// The content of an upload as it travels: the caller's bytes and one zero byte, which
+/// is part of the upload's format. The zero byte also ends a path where the caller's text ends.
 std::string UploadContent(const std::string& content);
 
 } // namespace CurlUtils

@@ -28,7 +28,7 @@ std::string ClearAndAsk(Commands* commands, HalcyrREST::GPSInfo* gps,
         shutdown->requested = false;
         parameters += "&shutdown=true";
     }
-    // One command is the server's default.
+    // One command is what a poll means that does not say.
     if (maxCommands != 1) {
         parameters += "&maxcommands=" + std::to_string(maxCommands);
     }

@@ -8,8 +8,8 @@ namespace TavoRemotingLib {
 
 namespace {
 
-/// A document travels without its outer braces; the reader puts them back. A text that lacks one
-/// of them is deliberately left as it is.
+/// A document travels without its outer braces and the white space around it; the reader puts the
+/// braces back. A text that lacks one of them deliberately keeps the other.
 std::string WithoutBraces(const std::string& document) {
     const std::string trimmed = boost::algorithm::trim_copy(document);
     if (boost::algorithm::starts_with(trimmed, "{") && boost::algorithm::ends_with(trimmed, "}")) {

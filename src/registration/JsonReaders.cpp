@@ -29,6 +29,12 @@ Json::Value Parse(const std::string& text) {
 }
 #pragma GCC diagnostic pop
 
+void ThrowIfLarge(std::streamoff size, const std::string& fileName) {
+    if (size > maxFileSize) {
+        throw std::invalid_argument("File cannot be larger than 32K (" + fileName + ")");
+    }
+}
+
 } // namespace
 
 Json::Value StringToJson(const std::string& text) {
@@ -45,15 +51,18 @@ std::string FileToString(const std::string& fileName) {
     std::ifstream file(fileName, std::ios::binary);
     file.seekg(0, std::ios::end);
     const std::streamoff size = file.tellg();
-    if (size > maxFileSize) {
-        throw std::invalid_argument("File cannot be larger than 32K (" + fileName + ")");
-    }
+    ThrowIfLarge(size, fileName);
     std::string content;
     // A file that could not be opened has the size -1, which is more than a string can reserve:
     // the std::length_error of this line is what tells the caller.
     content.reserve(static_cast<std::size_t>(size));
     file.seekg(0, std::ios::beg);
-    content.assign(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
+    std::istreambuf_iterator<char> next(file);
+    for (const std::istreambuf_iterator<char> end; next != end; ++next) {
+        content += *next;
+        // A device has no size and need not have an end.
+        ThrowIfLarge(static_cast<std::streamoff>(content.size()), fileName);
+    }
     return content;
 }
 

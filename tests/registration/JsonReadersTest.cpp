@@ -87,6 +87,11 @@ TEST_F(FileReaders, SizesBeyondThirtyTwoBitsAreRefused) {
     }
 }
 
+TEST_F(FileReaders, DeviceWithoutAnEndIsRefused) {
+    ExpectThrows<std::invalid_argument>([] { FileToString("/dev/zero"); },
+                                        "File cannot be larger than 32K (/dev/zero)");
+}
+
 TEST_F(FileReaders, BytesAreTakenAsTheyAre) {
     const std::string content("\xEF\xBB\xBF{}\r\n\0\xFF", 9);
     EXPECT_EQ(FileToString(MakeFile("bytes", content)), content);
