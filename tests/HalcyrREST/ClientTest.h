@@ -1,5 +1,6 @@
 #pragma once
 
+#include "CurlUtils/TransferTest.h"
 #include "HalcyrREST/Requests.h"
 #include "support/CapturingLogger.h"
 #include "support/CleanTest.h"
@@ -34,8 +35,8 @@ protected:
     static void ExpectFileUpload(const ScriptedServer& server, const std::string& target,
                                  const std::string& path, const std::string& content) {
         const std::string request = server.OnlyRequest();
-        EXPECT_EQ(request, UploadRequest(server.Address(), target, path, content,
-                                         FormBoundary(request)));
+        EXPECT_EQ(request,
+                  UploadRequest(server.Address(), target, path, content, FormBoundary(request)));
     }
 
     /// Expects that the one request uploaded the text and a zero byte, from a temporary file.

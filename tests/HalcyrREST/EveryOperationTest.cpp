@@ -29,14 +29,10 @@ protected:
         return "http://" + address + GetParam().Target("P1");
     }
 
-    /// Expects that every value of that option was set to exactly these, in order.
-    void ExpectOption(int option, const std::vector<std::string>& values) const {
+    /// Expects that the option was set to this and nothing else.
+    void ExpectOption(int option, const std::string& value) const {
         const std::string call = "curl_easy_setopt " + std::to_string(option) + " ";
-        std::vector<std::string> calls;
-        for (const std::string& value : values) {
-            calls.push_back(call + value);
-        }
-        EXPECT_EQ(interposer.CallsTo(call), calls);
+        EXPECT_EQ(interposer.CallsTo(call), std::vector<std::string>{call + value});
     }
 
     /// Expects a plain std::runtime_error for that reply, with the operation's label.
@@ -46,20 +42,12 @@ protected:
                                          "For " + GetParam().label + message);
     }
 
-    /// Expects that libcurl's call fails with that code.
-    void ExpectCurlError(const std::string& address, CURLcode code, const std::string& label) {
-        ExpectThrows<CurlUtils::CurlEasyException>(
-            [&] { Call(address); },
-            label + " returned " + std::to_string(code) + " (" + curl_easy_strerror(code) + ")",
-            [&](const CurlUtils::CurlEasyException& e) { EXPECT_EQ(e.code, code); });
-    }
-
 private:
     std::string file;
 };
 
 INSTANTIATE_TEST_SUITE_P(Client, EveryOperation, ::testing::ValuesIn(Operations()),
-                         [](const auto& info) { return info.param.name; });
+                         [](const auto& test) { return test.param.name; });
 
 TEST_P(EveryOperation, MakesOneExchangeWithItsTarget) {
     const ScriptedServer server(OkReply(GetParam().ReplyBody()));
@@ -83,25 +71,27 @@ TEST_P(EveryOperation, ThrowsWithItsLabelForAnInterimReply) {
 }
 
 TEST_P(EveryOperation, ThrowsWithItsLabelWithoutAnHttpLine) {
-    ExpectRefused("http/1.1 200 OK\r\nContent-Length: 2\r\n\r\nOK", ", no HTTP header was returned");
+    ExpectRefused("http/1.1 200 OK\r\nContent-Length: 2\r\n\r\nOK",
+                  ", no HTTP header was returned");
 }
 
 TEST_P(EveryOperation, RefusedConnectionIsCode7) {
-    ExpectCurlError(ClosedPort().Address(), CURLE_COULDNT_CONNECT, "curl_easy_perform");
+    ExpectEasyError([&] { Call(ClosedPort().Address()); }, "curl_easy_perform",
+                    CURLE_COULDNT_CONNECT);
 }
 
 TEST_P(EveryOperation, ConnectionClosedWithoutAReplyIsCode52) {
     const ScriptedServer server(Script{ReadRequest()});
-    ExpectCurlError(server.Address(), CURLE_GOT_NOTHING, "curl_easy_perform");
+    ExpectEasyError([&] { Call(server.Address()); }, "curl_easy_perform", CURLE_GOT_NOTHING);
 }
 
 TEST_P(EveryOperation, AddressThatIsNoUrlIsCode3) {
-    ExpectCurlError("a b", CURLE_URL_MALFORMAT, "curl_easy_perform");
+    ExpectEasyError([&] { Call("a b"); }, "curl_easy_perform", CURLE_URL_MALFORMAT);
 }
 
 TEST_P(EveryOperation, RefusedOptionIsTold) {
     interposer.Fail("curl_easy_setopt", CURLE_UNKNOWN_OPTION, 5);
-    ExpectCurlError("127.0.0.1:1", CURLE_UNKNOWN_OPTION, "curl_easy_setopt");
+    ExpectEasyError([&] { Call("127.0.0.1:1"); }, "curl_easy_setopt", CURLE_UNKNOWN_OPTION);
 }
 
 TEST_P(EveryOperation, TransferLayersOtherExceptionsPass) {
@@ -115,7 +105,7 @@ TEST_P(EveryOperation, TransferLayersOtherExceptionsPass) {
     interposer.Fail("curl_easy_init");
     ExpectThrows<std::runtime_error>([&] { Call("h:1"); }, "curl_easy_init() failed");
     if (GetParam().isUpload) {
-        interposer.Fail("curl_formadd", CURL_FORMADD_OPTION_TWICE, 2);
+        interposer.Fail("curl_formadd", 2, 2);
         ExpectThrows<CurlUtils::CurlFormException>([&] { Call("h:1"); },
                                                    "curl_formadd() returned 2");
     }
@@ -124,9 +114,9 @@ TEST_P(EveryOperation, TransferLayersOtherExceptionsPass) {
 TEST_P(EveryOperation, LimitsAre10And300And301Seconds) {
     const ScriptedServer server(OkReply(GetParam().ReplyBody()));
     Call(server.Address());
-    ExpectOption(CURLOPT_CONNECTTIMEOUT, {"10"});
-    ExpectOption(CURLOPT_TIMEOUT, {"301"});
-    ExpectOption(CURLOPT_FTP_RESPONSE_TIMEOUT, {"300"});
+    ExpectOption(CURLOPT_CONNECTTIMEOUT, "10");
+    ExpectOption(CURLOPT_TIMEOUT, "301");
+    ExpectOption(CURLOPT_FTP_RESPONSE_TIMEOUT, "300");
 }
 
 TEST_P(EveryOperation, VerboseFlagShowsTheExchangeOnStandardError) {
@@ -134,7 +124,7 @@ TEST_P(EveryOperation, VerboseFlagShowsTheExchangeOnStandardError) {
     CaptureStderr();
     Call(server.Address(), true);
     const std::string trace = GetCapturedStderr();
-    ExpectOption(CURLOPT_VERBOSE, {"1"});
+    ExpectOption(CURLOPT_VERBOSE, "1");
     EXPECT_NE(trace.find(GetParam().Target("P1")), std::string::npos) << trace;
 }
 
@@ -143,15 +133,17 @@ TEST_P(EveryOperation, WithoutTheVerboseFlagStandardErrorIsSilent) {
     CaptureStderr();
     Call(server.Address(), false);
     EXPECT_EQ(GetCapturedStderr(), "");
-    ExpectOption(CURLOPT_VERBOSE, GetParam().isUpload ? std::vector<std::string>{}
-                                                      : std::vector<std::string>{"0"});
+    if (GetParam().isUpload) {
+        EXPECT_EQ(interposer.CallsTo("curl_easy_setopt 41 "), std::vector<std::string>());
+    } else {
+        ExpectOption(CURLOPT_VERBOSE, "0");
+    }
 }
 
 TEST_P(EveryOperation, LoggerWithoutLevelsGetsTheGetLineOnly) {
     const ScriptedServer server(OkReply(GetParam().ReplyBody()));
     Call(server.Address());
-    EXPECT_EQ(logger.Text(),
-              GetParam().isUpload ? "" : "HTTP GET " + Url(server.Address()) + "\n");
+    EXPECT_EQ(logger.Text(), GetParam().isUpload ? "" : "HTTP GET " + Url(server.Address()) + "\n");
 }
 
 TEST_P(EveryOperation, FailureLeavesTheClientUsable) {

@@ -38,8 +38,7 @@ protected:
 /// Takes "!" for white space, and "F" for the capital of "#".
 class OddLetters : private std::vector<std::ctype_base::mask>, public std::ctype<char> {
 public:
-    OddLetters()
-        : vector(classic_table(), classic_table() + table_size), std::ctype<char>(data()) {
+    OddLetters() : vector(classic_table(), classic_table() + table_size), std::ctype<char>(data()) {
         at('!') |= space;
     }
 

@@ -13,7 +13,9 @@ using String = std::string;
 std::vector<Operation> Gets() {
     return {
         {"TurnPayloadOff", "Turn Payload Off", "off", "", false,
-         [](HalcyrREST& client, const String& id, const String&) { client.TurnPayloadOff(id); }},
+         [](HalcyrREST& client, const String& id, const String&) {
+             client.TurnPayloadOff(id);
+         }},
         {"SetNamedSwitch", "Set Payload KELD Switch", "pwr", "&sw=s&cmd=on", false,
          [](HalcyrREST& client, const String& id, const String&) {
              client.SetPayloadKELDSwitch(id, "s", true);
@@ -23,13 +25,17 @@ std::vector<Operation> Gets() {
              client.SetPayloadKELDSwitch(id, false);
          }},
         {"RunScript", "Run Script", "script", "&cmd=c", false,
-         [](HalcyrREST& client, const String& id, const String&) { client.RunScript(id, "c"); }},
+         [](HalcyrREST& client, const String& id, const String&) {
+             client.RunScript(id, "c");
+         }},
         {"RegistrationComplete", "Registration complete", "metadone", "", false,
          [](HalcyrREST& client, const String& id, const String&) {
              client.RegistrationComplete(id);
          }},
         {"DelayShutdown", "Poll", "offdelay", "&delay=5&setdefault=0", false,
-         [](HalcyrREST& client, const String& id, const String&) { client.DelayShutdown(id, 5); }},
+         [](HalcyrREST& client, const String& id, const String&) {
+             client.DelayShutdown(id, 5);
+         }},
         // This poll time gives the limit that the other operations have.
         {"Poll", "Poll", "poll", "&format=2&shutdown=true&maxcommands=0&timeout=240000", false,
          [](HalcyrREST& client, const String& id, const String&) {

@@ -12,11 +12,11 @@ std::string UploadRequest(const std::string& address, const std::string& target,
                           const std::string& path, const std::string& content,
                           const std::string& boundary) {
     const std::string part = "--" + boundary + "\r\nContent-Disposition: form-data; ";
-    const std::string body =
-        part + "name=\"file\"; filename=\"" + path.substr(path.rfind('/') + 1) +
-        "\"\r\nContent-Type: application/octet-stream\r\n\r\n" + content + "\r\n" + part +
-        "name=\"filename\"\r\n\r\n" + path + "\r\n" + part + "name=\"submit\"\r\n\r\nsend\r\n--" +
-        boundary + "--\r\n";
+    const std::string body = part + "name=\"file\"; filename=\"" +
+                             path.substr(path.rfind('/') + 1) +
+                             "\"\r\nContent-Type: application/octet-stream\r\n\r\n" + content +
+                             "\r\n" + part + "name=\"filename\"\r\n\r\n" + path + "\r\n" + part +
+                             "name=\"submit\"\r\n\r\nsend\r\n--" + boundary + "--\r\n";
     return "POST " + target + " HTTP/1.1\r\nHost: " + address +
            "\r\nAccept: */*\r\nContent-Length: " + std::to_string(body.size()) +
            "\r\nContent-Type: multipart/form-data; boundary=" + boundary + "\r\n\r\n" + body;
