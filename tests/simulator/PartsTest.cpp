@@ -1,0 +1,133 @@
+#include "EscapedText.h"
+#include "Exchange.h"
+#include "Journal.h"
+#include "Json.h"
+#include "Vehicle.h"
+
+#include <cmath>
+#include <gtest/gtest.h>
+#include <sstream>
+
+namespace Brenmoor {
+namespace TavoSimulator {
+namespace Testing {
+
+namespace {
+
+std::string RefusalOf(const std::function<void()>& action) {
+    try {
+        action();
+    } catch (const Refusal& refusal) {
+        return std::to_string(refusal.status) + " " + refusal.what();
+    }
+    return "no refusal";
+}
+
+TEST(EscapedText, TurnsEveryByteThereAndBack) {
+    std::string bytes;
+    for (int byte = 0; byte < 256; ++byte) {
+        bytes += static_cast<char>(byte);
+    }
+    EXPECT_EQ(Unescape(Escape(bytes)), bytes);
+    EXPECT_EQ(Escape(std::string("a\\b\0\xff~", 6)), "a\\\\b\\x00\\xFF~");
+    EXPECT_EQ(Unescape("\\xfF\\\\x41"), "\xff\\x41");
+    EXPECT_EQ(Hexadecimal(std::string("\0\xab", 2)), "00AB");
+}
+
+TEST(EscapedText, RefusesWhatEscapeCannotHaveMade) {
+    EXPECT_EQ(RefusalOf([] { Unescape("ab\\"); }), "400 An unknown escape stands at offset 2");
+    EXPECT_EQ(RefusalOf([] { Unescape("\\n"); }), "400 An unknown escape stands at offset 0");
+    EXPECT_EQ(RefusalOf([] { Unescape("\\x4"); }),
+              "400 Two hexadecimal digits are missing at offset 3");
+    EXPECT_EQ(RefusalOf([] { Unescape("\\xg0"); }),
+              "400 Two hexadecimal digits are missing at offset 2");
+    EXPECT_EQ(RefusalOf([] { Unescape("a\n"); }),
+              "400 An unprintable byte stands unescaped at offset 1");
+}
+
+TEST(Vehicle, TakesANewFixOnceASecondAndSailsACircle) {
+    const Vehicle vehicle;
+    EXPECT_EQ(vehicle.FixAt(0).number, 0);
+    EXPECT_EQ(vehicle.FixAt(0.999).number, 0);
+    EXPECT_EQ(vehicle.FixAt(7.0).number, 7);
+    EXPECT_EQ(vehicle.TimeOfFix(7), 7.0);
+    EXPECT_DOUBLE_EQ(vehicle.FixAt(0).latitudeDegrees, 57.509);
+    EXPECT_DOUBLE_EQ(vehicle.FixAt(0).longitudeDegrees, 2.0);
+    EXPECT_DOUBLE_EQ(vehicle.FixAt(1200).latitudeDegrees, 57.491);
+    EXPECT_DOUBLE_EQ(vehicle.FixAt(0.5).latitudeDegrees, vehicle.FixAt(0).latitudeDegrees);
+    EXPECT_NE(vehicle.FixAt(1).longitudeDegrees, vehicle.FixAt(0).longitudeDegrees);
+    EXPECT_EQ(Vehicle(0.25).FixAt(1).number, 4);
+}
+
+TEST(Journal, NumbersEntriesAndDropsTheOldest) {
+    Journal journal(2);
+    for (const char* const target : {"/a", "/b", "/c"}) {
+        JournalEntry entry;
+        entry.target = target;
+        journal.Add(entry);
+    }
+    const auto entries = journal.Entries();
+    ASSERT_EQ(entries.size(), 2U);
+    EXPECT_EQ(entries[0].number, 2U);
+    EXPECT_EQ(entries[0].target, "/b");
+    EXPECT_EQ(entries[1].number, 3U);
+    EXPECT_EQ(entries[1].target, "/c");
+}
+
+TEST(Journal, LineIsOneReadableLine) {
+    JournalEntry entry;
+    entry.time = "2026-01-02T03:04:05.678Z";
+    entry.peer = "127.0.0.1:4711";
+    entry.method = "GET";
+    entry.target = "/xp?op=off\x1b[2J";
+    entry.status = 200;
+    entry.reason = "OK";
+    entry.requestBytes = 3;
+    entry.replyBytes = 2;
+    entry.seconds = 1.5;
+    EXPECT_EQ(Line(entry), "2026-01-02T03:04:05.678Z 127.0.0.1:4711 GET /xp?op=off\\x1B[2J "
+                           "(3 bytes) -> 200 OK (2 bytes) after 1.500 s");
+}
+
+TEST(Request, DecodesParametersInOrder) {
+    std::istringstream none;
+    const Request request("GET", "/xp?op=poll&id=a%26b&id=%00%ff&x=", none);
+    EXPECT_EQ(request.path, "/xp");
+    ASSERT_EQ(request.parameters.size(), 4U);
+    EXPECT_EQ(request.parameters[1].second, "a&b");
+    EXPECT_EQ(request.parameters[2].second, std::string("\0\xff", 2));
+    EXPECT_EQ(request.Given("x"), "");
+    EXPECT_EQ(RefusalOf([&] { request.Filled("x"); }), "400 Parameter 'x' is empty");
+    EXPECT_EQ(RefusalOf([&] { request.Given("y"); }), "400 Parameter 'y' is missing");
+    EXPECT_EQ(RefusalOf([&] { Request("GET", "/xp?id=%4", none); }),
+              "400 The request target has a broken escape");
+}
+
+TEST(Request, ReadsNumbersAndFlagsExactly) {
+    std::istringstream none;
+    const Request request("GET", "/xp?a=-7&b=true&c=1x&d=&e=9223372036854775808&f=yes", none);
+    EXPECT_EQ(request.Number("a", -7), -7);
+    EXPECT_EQ(RefusalOf([&] { request.Number("a", 0); }),
+              "400 Parameter 'a' is not a usable number: '-7'");
+    for (const char* const name : {"c", "d", "e"}) {
+        EXPECT_EQ(RefusalOf([&] { request.Number(name, 0); }).rfind("400 Parameter '", 0), 0U);
+    }
+    EXPECT_TRUE(request.Flag("b", false));
+    EXPECT_TRUE(request.Flag("absent", true));
+    EXPECT_EQ(RefusalOf([&] { request.Flag("f", true); }),
+              "400 Parameter 'f' must be true or false, not 'yes'");
+}
+
+TEST(Json, ReplacesInvalidUtf8) {
+    EXPECT_EQ(JsonText("caf\xc3\xa9"), "caf\xc3\xa9");
+    EXPECT_EQ(JsonText("a\xff\xfe"), "a??");
+    EXPECT_EQ(JsonText(std::string("a\0b", 3)), std::string("a\0b", 3));
+    const std::string cut = JsonText("a\xc3");
+    EXPECT_EQ(JsonText(cut), cut);
+}
+
+} // namespace
+
+} // namespace Testing
+} // namespace TavoSimulator
+} // namespace Brenmoor

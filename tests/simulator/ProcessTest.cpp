@@ -1,0 +1,144 @@
+#include "support/Process.h"
+#include "support/Wire.h"
+
+#include <Poco/Net/ServerSocket.h>
+#include <csignal>
+#include <memory>
+
+namespace Brenmoor {
+namespace TavoSimulator {
+namespace Testing {
+
+namespace {
+
+class ProcessTest : public ::testing::Test {
+protected:
+    ProcessTest() {
+        std::signal(SIGPIPE, SIG_IGN);
+    }
+
+    std::vector<std::string> Arguments(const std::vector<std::string>& more = {}) const {
+        std::vector<std::string> arguments{
+            "--port", "0", "--data", folder.path + "/data", "--port-file", folder.path + "/port"};
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        return arguments;
+    }
+
+    /// Waits for the line that tells that the server listens, and returns its port.
+    std::uint16_t AwaitPort(Process& process) const {
+        const std::string line = process.ReadLine();
+        const std::string port = ReadFile(folder.path + "/port");
+        EXPECT_EQ(line + "\n", "tavo-simulator " TAVO_VERSION " listens on 127.0.0.1 port " +
+                                   port.substr(0, port.size() - 1) + " and keeps uploads in " +
+                                   folder.path + "/data\n");
+        return static_cast<std::uint16_t>(std::stoi(port));
+    }
+
+    const TempFolder folder;
+};
+
+TEST_F(ProcessTest, ServesWritesALineForEachExchangeAndEndsOnSigterm) {
+    WriteFile(folder.path + "/port", "left by an earlier run");
+    Process process(Arguments());
+    const std::uint16_t port = AwaitPort(process);
+    EXPECT_EQ(Exchange(port, GetText("/xp?op=off&id=p1")), okReply);
+    const std::string line = process.ReadLine();
+    EXPECT_NE(line.find(" GET /xp?op=off&id=p1 (0 bytes) -> 200 OK (2 bytes) after 0."),
+              std::string::npos)
+        << line;
+    process.Signal(SIGTERM);
+    EXPECT_EQ(process.Wait(), 0);
+    EXPECT_EQ(process.RestOfOutput(), "");
+    EXPECT_EQ(process.Errors(), "");
+    EXPECT_EQ(Entries(folder.path), (std::vector<std::string>{"data", "port"}));
+}
+
+TEST_F(ProcessTest, QuietWritesNoLines) {
+    Process process(Arguments({"--quiet"}));
+    const std::uint16_t port = AwaitPort(process);
+    EXPECT_EQ(Exchange(port, GetText("/xp?op=off&id=p1")), okReply);
+    process.Signal(SIGINT);
+    EXPECT_EQ(process.Wait(), 0);
+    EXPECT_EQ(process.RestOfOutput(), "");
+}
+
+TEST_F(ProcessTest, EndsQuicklyWhilePollsAreHeldAndAnUploadStalls) {
+    Process process(Arguments({"--quiet"}));
+    const std::uint16_t port = AwaitPort(process);
+    Connection idle(port);
+    Connection stalled(port);
+    const std::string upload = UploadText("/xp?op=upload&id=p1", "content", "n");
+    stalled.Send(upload.substr(0, upload.size() - 20));
+    std::vector<std::unique_ptr<Connection>> polls;
+    for (int i = 0; i < 50; ++i) {
+        polls.push_back(std::make_unique<Connection>(port));
+        polls.back()->Send(GetText("/xp?op=poll&id=p1&format=2&timeout=3600000"));
+    }
+    AwaitHeldPolls(port, polls.size());
+    const Clock clock;
+    process.Signal(SIGTERM);
+    EXPECT_EQ(process.Wait(), 0);
+    EXPECT_LT(clock.Seconds(), 10);
+    EXPECT_EQ(process.Errors(), "");
+    for (const auto& poll : polls) {
+        EXPECT_EQ(poll->ReadAll(),
+                  ReplyText("503 Service Unavailable", "text/plain", "The server is going down\n"));
+    }
+    EXPECT_EQ(Entries(folder.path + "/data"), std::vector<std::string>{});
+}
+
+TEST_F(ProcessTest, HelpAndVersion) {
+    Process help({"--help"});
+    EXPECT_EQ(help.Wait(), 0);
+    const std::string text = help.RestOfOutput();
+    for (const char* const option :
+         {"Usage: tavo-simulator [OPTION]...", "--port N", "--address A", "--data DIR",
+          "--port-file FILE", "--quiet", "--help", "--version"}) {
+        EXPECT_NE(text.find(option), std::string::npos) << option;
+    }
+    Process version({"--version"});
+    EXPECT_EQ(version.Wait(), 0);
+    EXPECT_EQ(version.RestOfOutput(), "tavo-simulator " TAVO_VERSION "\n");
+}
+
+TEST_F(ProcessTest, BadOptionsAreOneLineAndExitCodeTwo) {
+    const std::pair<std::vector<std::string>, std::string> cases[] = {
+        {{"--port", "70000"}, "--port needs a number from 0 to 65535, not '70000'"},
+        {{"--port"}, "--port needs a value"},
+        {{"--bogus"}, "unknown option '--bogus'; see --help"},
+        {{"--address", "nowhere"}, "--address needs an IP address, not 'nowhere'"},
+    };
+    for (const auto& [arguments, line] : cases) {
+        Process process(arguments);
+        EXPECT_EQ(process.Wait(), 2);
+        EXPECT_EQ(process.RestOfOutput(), "");
+        EXPECT_EQ(process.Errors(), "tavo-simulator: " + line + "\n");
+    }
+}
+
+TEST_F(ProcessTest, FailuresAreOneLineAndExitCodeOne) {
+    Poco::Net::ServerSocket taken(Poco::Net::SocketAddress("127.0.0.1", 0));
+    const std::string port = std::to_string(taken.address().port());
+    Process clash({"--port", port, "--data", folder.path});
+    EXPECT_EQ(clash.Wait(), 1);
+    const std::string line = clash.Errors();
+    EXPECT_EQ(line.rfind("tavo-simulator: ", 0), 0U) << line;
+    EXPECT_NE(line.find("127.0.0.1:" + port), std::string::npos) << line;
+    EXPECT_EQ(line.find('\n'), line.size() - 1) << line;
+
+    WriteFile(folder.path + "/file", "");
+    Process noFolder({"--port", "0", "--data", folder.path + "/file"});
+    EXPECT_EQ(noFolder.Wait(), 1);
+    EXPECT_NE(noFolder.Errors().find(folder.path + "/file"), std::string::npos);
+
+    Process noPortFile({"--port", "0", "--data", folder.path, "--port-file", folder.path + "/a/b"});
+    EXPECT_EQ(noPortFile.Wait(), 1);
+    EXPECT_EQ(noPortFile.Errors(),
+              "tavo-simulator: cannot write the port file '" + folder.path + "/a/b'\n");
+}
+
+} // namespace
+
+} // namespace Testing
+} // namespace TavoSimulator
+} // namespace Brenmoor

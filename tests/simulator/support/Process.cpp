@@ -1,0 +1,106 @@
+#include "support/Process.h"
+
+#include <csignal>
+#include <fcntl.h>
+#include <spawn.h>
+#include <stdexcept>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace Brenmoor {
+namespace TavoSimulator {
+namespace Testing {
+
+namespace {
+
+struct Pipe {
+    Pipe() {
+        if (pipe2(ends, O_CLOEXEC) != 0) {
+            throw std::runtime_error("no pipe for the test");
+        }
+    }
+
+    int ends[2] = {-1, -1};
+};
+
+std::string ReadRest(int descriptor) {
+    std::string text;
+    char buffer[4096];
+    for (;;) {
+        const ssize_t count = read(descriptor, buffer, sizeof buffer);
+        if (count <= 0) {
+            return text;
+        }
+        text.append(buffer, static_cast<std::size_t>(count));
+    }
+}
+
+} // namespace
+
+Process::Process(const std::vector<std::string>& arguments) {
+    const Pipe out;
+    const Pipe err;
+    output = out.ends[0];
+    errors = err.ends[0];
+    std::string program = SIMULATOR_PATH;
+    std::vector<std::string> copies = arguments;
+    std::vector<char*> pointers{program.data()};
+    for (std::string& copy : copies) {
+        pointers.push_back(copy.data());
+    }
+    pointers.push_back(nullptr);
+
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_adddup2(&actions, out.ends[1], STDOUT_FILENO);
+    posix_spawn_file_actions_adddup2(&actions, err.ends[1], STDERR_FILENO);
+    const int result =
+        posix_spawn(&id, program.c_str(), &actions, nullptr, pointers.data(), environ);
+    posix_spawn_file_actions_destroy(&actions);
+    close(out.ends[1]);
+    close(err.ends[1]);
+    if (result != 0) {
+        throw std::runtime_error("the simulator does not start");
+    }
+}
+
+Process::~Process() {
+    if (id != 0) {
+        Signal(SIGKILL);
+        Wait();
+    }
+    close(output);
+    close(errors);
+}
+
+std::string Process::ReadLine() {
+    std::string line;
+    char next = '\0';
+    while (read(output, &next, 1) == 1 && next != '\n') {
+        line += next;
+    }
+    return line;
+}
+
+void Process::Signal(int number) const {
+    kill(id, number);
+}
+
+int Process::Wait() {
+    int status = 0;
+    waitpid(id, &status, 0);
+    id = 0;
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
+}
+
+std::string Process::RestOfOutput() {
+    return ReadRest(output);
+}
+
+std::string Process::Errors() {
+    return ReadRest(errors);
+}
+
+} // namespace Testing
+} // namespace TavoSimulator
+} // namespace Brenmoor

@@ -1,0 +1,183 @@
+#include "support/Wire.h"
+
+#include <Poco/JSON/Parser.h>
+#include <Poco/JSON/Stringifier.h>
+#include <algorithm>
+#include <csignal>
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+#include <thread>
+
+namespace Brenmoor {
+namespace TavoSimulator {
+namespace Testing {
+
+namespace {
+
+std::string NewFolder() {
+    std::string name = (std::filesystem::temp_directory_path() / "tavo-sim-XXXXXX").string();
+    if (mkdtemp(name.data()) == nullptr) {
+        throw std::runtime_error("no folder for the test");
+    }
+    return name;
+}
+
+std::string WithoutDate(std::string reply) {
+    const std::size_t begin = reply.find("Date: ");
+    if (begin < reply.find("\r\n\r\n")) {
+        reply.erase(begin, reply.find("\r\n", begin) + 2 - begin);
+    }
+    return reply;
+}
+
+} // namespace
+
+TempFolder::TempFolder() : path(NewFolder()) {}
+
+TempFolder::~TempFolder() {
+    std::filesystem::remove_all(path);
+}
+
+std::string ReadFile(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    std::ostringstream content;
+    content << file.rdbuf();
+    return content.str();
+}
+
+void WriteFile(const std::string& path, const std::string& content) {
+    std::ofstream(path, std::ios::binary) << content;
+}
+
+std::vector<std::string> Entries(const std::string& folder) {
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+        names.push_back(entry.path().filename().string());
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+std::string GetText(const std::string& target) {
+    return "GET " + target + " HTTP/1.1\r\nHost: vehicle\r\nConnection: close\r\n\r\n";
+}
+
+std::string PostText(const std::string& target, const std::string& type, const std::string& body) {
+    return "POST " + target +
+           " HTTP/1.1\r\nHost: vehicle\r\nConnection: close\r\nContent-Type: " + type +
+           "\r\nContent-Length: " + std::to_string(body.size()) + "\r\n\r\n" + body;
+}
+
+std::string FormText(const std::string& file, const std::string& fileName) {
+    return "--BOUNDARY\r\nContent-Disposition: form-data; name=\"file\"; filename=\"f\"\r\n"
+           "Content-Type: application/octet-stream\r\n\r\n" +
+           file + "\r\n--BOUNDARY\r\nContent-Disposition: form-data; name=\"filename\"\r\n\r\n" +
+           fileName +
+           "\r\n--BOUNDARY\r\nContent-Disposition: form-data; name=\"submit\"\r\n\r\nsend"
+           "\r\n--BOUNDARY--\r\n";
+}
+
+std::string UploadText(const std::string& target, const std::string& file,
+                       const std::string& fileName) {
+    return PostText(target, "multipart/form-data; boundary=BOUNDARY", FormText(file, fileName));
+}
+
+Connection::Connection(std::uint16_t port) : socket(Poco::Net::SocketAddress("127.0.0.1", port)) {}
+
+void Connection::Send(const std::string& bytes) {
+    std::size_t sent = 0;
+    while (sent < bytes.size()) {
+        sent += static_cast<std::size_t>(
+            socket.sendBytes(bytes.data() + sent, static_cast<int>(bytes.size() - sent)));
+    }
+}
+
+std::string Connection::ReadAll() {
+    std::string reply;
+    std::vector<char> buffer(65536);
+    for (;;) {
+        const int count = socket.receiveBytes(buffer.data(), static_cast<int>(buffer.size()));
+        if (count <= 0) {
+            return WithoutDate(reply);
+        }
+        reply.append(buffer.data(), static_cast<std::size_t>(count));
+    }
+}
+
+void Connection::Close() {
+    socket.close();
+}
+
+std::string Exchange(std::uint16_t port, const std::string& request) {
+    Connection connection(port);
+    connection.Send(request);
+    return connection.ReadAll();
+}
+
+std::string StatusLine(const std::string& reply) {
+    return reply.substr(0, reply.find("\r\n"));
+}
+
+std::string BodyOf(const std::string& reply) {
+    const std::size_t end = reply.find("\r\n\r\n");
+    return end == std::string::npos ? "" : reply.substr(end + 4);
+}
+
+std::string ReplyText(const std::string& status, const std::string& type, const std::string& body) {
+    return "HTTP/1.1 " + status + "\r\nConnection: Close\r\nContent-Type: " + type +
+           "\r\nContent-Length: " + std::to_string(body.size()) + "\r\n\r\n" + body;
+}
+
+Poco::JSON::Object::Ptr Json(const std::string& text) {
+    Poco::JSON::Parser parser(new Poco::JSON::ParseHandler(/* bPreserveObjectOrder = */ true));
+    return parser.parse(text).extract<Poco::JSON::Object::Ptr>();
+}
+
+Poco::JSON::Object::Ptr State(std::uint16_t port) {
+    return Json(BodyOf(Exchange(port, GetText("/sim/state"))));
+}
+
+Poco::JSON::Object::Ptr FirstPayload(std::uint16_t port) {
+    return State(port)->getArray("payloads")->getObject(0);
+}
+
+std::string JsonLine(const Poco::JSON::Object& object, const std::string& member) {
+    std::ostringstream text;
+    Poco::JSON::Stringifier::stringify(object.get(member), text);
+    return text.str();
+}
+
+void AwaitHeldPolls(std::uint16_t port, std::size_t count) {
+    while (State(port)->getValue<std::size_t>("heldPolls") != count) {
+        std::this_thread::yield();
+    }
+}
+
+ServerTest::ServerTest() {
+    std::signal(SIGPIPE, SIG_IGN);
+}
+
+std::string ServerTest::Get(const std::string& target) const {
+    return Exchange(server.Port(), GetText(target));
+}
+
+std::string ServerTest::Post(const std::string& target, const std::string& body) const {
+    return Exchange(server.Port(), PostText(target, "application/json", body));
+}
+
+std::string ServerTest::Upload(const std::string& target, const std::string& file,
+                               const std::string& fileName) const {
+    return Exchange(server.Port(), UploadText(target, file, fileName));
+}
+
+std::string ServerTest::Kept(const std::string& member) const {
+    return JsonLine(*FirstPayload(server.Port()), member);
+}
+
+const char okReply[] = "HTTP/1.1 200 OK\r\nConnection: Close\r\nContent-Type: text/plain\r\n"
+                       "Content-Length: 2\r\n\r\nOK";
+
+} // namespace Testing
+} // namespace TavoSimulator
+} // namespace Brenmoor
