@@ -1,0 +1,30 @@
+# Toolchain file for the library's home: embedded Linux on 32-bit ARM, hard float, Thumb code.
+# Its sysroot is made by scripts/armhf-sysroot; another one: -DTAVO_SYSROOT=<folder>.
+
+set(CMAKE_SYSTEM_NAME Linux)
+set(CMAKE_SYSTEM_PROCESSOR arm)
+
+set(CMAKE_CXX_COMPILER arm-linux-gnueabihf-g++)
+set(CMAKE_LIBRARY_ARCHITECTURE arm-linux-gnueabihf)
+
+set(TAVO_SYSROOT ${CMAKE_CURRENT_LIST_DIR}/../build/armhf-sysroot CACHE PATH
+    "Folder with the libraries and headers of the target")
+list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES TAVO_SYSROOT)
+get_filename_component(CMAKE_SYSROOT ${TAVO_SYSROOT} ABSOLUTE)
+if(NOT EXISTS ${CMAKE_SYSROOT}/usr/include)
+    message(FATAL_ERROR
+        "There is no sysroot in ${CMAKE_SYSROOT}; make it with scripts/armhf-sysroot, or name yours with -DTAVO_SYSROOT=<folder>.")
+endif()
+
+set(CMAKE_CXX_FLAGS_INIT "-mthumb -march=armv7-a+fp -mfloat-abi=hard")
+set(CMAKE_CXX_FLAGS_RELEASE_INIT "-Os -DNDEBUG")
+
+set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
+set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
+set(ENV{PKG_CONFIG_SYSROOT_DIR} ${CMAKE_SYSROOT})
+set(ENV{PKG_CONFIG_LIBDIR} ${CMAKE_SYSROOT}/usr/lib/arm-linux-gnueabihf/pkgconfig)
+
+# What is built runs here too, sockets included.
+set(CMAKE_CROSSCOMPILING_EMULATOR qemu-arm;-L;${CMAKE_SYSROOT})
