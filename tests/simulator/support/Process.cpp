@@ -3,6 +3,7 @@
 #include <csignal>
 #include <fcntl.h>
 #include <spawn.h>
+#include <sstream>
 #include <stdexcept>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -23,6 +24,17 @@ struct Pipe {
     int ends[2] = {-1, -1};
 };
 
+/// The simulator's path, behind the emulator that runs it when this is a cross build.
+std::vector<std::string> Command() {
+    std::vector<std::string> words;
+    std::istringstream emulator(SIMULATOR_EMULATOR);
+    for (std::string word; std::getline(emulator, word, ';');) {
+        words.push_back(word);
+    }
+    words.emplace_back(SIMULATOR_PATH);
+    return words;
+}
+
 std::string ReadRest(int descriptor) {
     std::string text;
     char buffer[4096];
@@ -42,10 +54,10 @@ Process::Process(const std::vector<std::string>& arguments) {
     const Pipe err;
     output = out.ends[0];
     errors = err.ends[0];
-    std::string program = SIMULATOR_PATH;
-    std::vector<std::string> copies = arguments;
-    std::vector<char*> pointers{program.data()};
-    for (std::string& copy : copies) {
+    std::vector<std::string> words = Command();
+    words.insert(words.end(), arguments.begin(), arguments.end());
+    std::vector<char*> pointers;
+    for (std::string& copy : words) {
         pointers.push_back(copy.data());
     }
     pointers.push_back(nullptr);
@@ -54,8 +66,7 @@ Process::Process(const std::vector<std::string>& arguments) {
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_adddup2(&actions, out.ends[1], STDOUT_FILENO);
     posix_spawn_file_actions_adddup2(&actions, err.ends[1], STDERR_FILENO);
-    const int result =
-        posix_spawn(&id, program.c_str(), &actions, nullptr, pointers.data(), environ);
+    const int result = posix_spawnp(&id, pointers[0], &actions, nullptr, pointers.data(), environ);
     posix_spawn_file_actions_destroy(&actions);
     close(out.ends[1]);
     close(err.ends[1]);
