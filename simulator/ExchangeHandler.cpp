@@ -21,7 +21,7 @@ using Poco::Net::HTTPServerResponse;
 
 // What is left of a refused request is read, up to here, before the answer is sent: a client in
 // the middle of its upload would otherwise lose the answer.
-constexpr std::streamsize mostUnreadBytes = 64 * 1024 * 1024;
+constexpr std::streamsize mostUnreadBytes = std::streamsize{64} * 1024 * 1024;
 
 /// Counts an exchange as under way.
 class UnderWay {

@@ -14,9 +14,9 @@ namespace {
 
 using Traits = std::istream::traits_type;
 
-constexpr std::size_t largestText = 16 * 1024 * 1024;
-constexpr std::size_t largestField = 64 * 1024;
-constexpr std::size_t longestHeaderLine = 8 * 1024;
+constexpr std::size_t largestText = std::size_t{16} * 1024 * 1024;
+constexpr std::size_t largestField = std::size_t{64} * 1024;
+constexpr std::size_t longestHeaderLine = std::size_t{8} * 1024;
 
 std::string Boundary(const std::string& contentType) {
     std::string type;

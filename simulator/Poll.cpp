@@ -9,8 +9,6 @@ namespace TavoSimulator {
 
 namespace {
 
-constexpr std::int64_t longestPollMs = 24LL * 60 * 60 * 1000;
-
 std::size_t MaxCommands(const Request& request) {
     if (request.Find("maxcommands") == nullptr) {
         return 1;
@@ -34,9 +32,7 @@ PollRequest Parse(const Request& request) {
     poll.gps = request.Flag("gps", false);
     poll.shutdown = request.Flag("shutdown", false);
     poll.maxCommands = MaxCommands(request);
-    // Capped, so that no deadline is out of the clock's reach.
-    const std::int64_t timeoutMs = std::min(request.Number("timeout", 0), longestPollMs);
-    poll.timeoutSeconds = static_cast<double>(timeoutMs) / 1000;
+    poll.timeoutSeconds = static_cast<double>(request.Number("timeout", 0)) / 1000;
     poll.peerPresent = request.peerPresent;
     return poll;
 }

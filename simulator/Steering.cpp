@@ -11,7 +11,7 @@ namespace TavoSimulator {
 namespace {
 
 constexpr char filesPath[] = "/sim/files/";
-constexpr std::size_t largestBody = 1024 * 1024;
+constexpr std::size_t largestBody = std::size_t{1024} * 1024;
 constexpr double longestPlanSeconds = 1e9;
 
 JsonObject::Ptr Body(const Request& request) {

@@ -15,8 +15,8 @@ namespace TavoSimulator {
 struct World {
     explicit World(const std::string& dataFolder) : payloads(clock, vehicle), files(dataFolder) {}
 
-    const Clock clock;
-    const Vehicle vehicle;
+    const Clock clock{};
+    const Vehicle vehicle{};
     PayloadRegistry payloads;
     const FileStore files;
     Journal journal;

@@ -1,12 +1,15 @@
 #include "EscapedText.h"
 #include "Exchange.h"
+#include "ExchangeHandler.h"
 #include "Journal.h"
 #include "Json.h"
 #include "Vehicle.h"
+#include "support/Wire.h"
 
-#include <cmath>
+#include <chrono>
 #include <gtest/gtest.h>
 #include <sstream>
+#include <thread>
 
 namespace Brenmoor {
 namespace TavoSimulator {
@@ -116,6 +119,20 @@ TEST(Request, ReadsNumbersAndFlagsExactly) {
     EXPECT_TRUE(request.Flag("absent", true));
     EXPECT_EQ(RefusalOf([&] { request.Flag("f", true); }),
               "400 Parameter 'f' must be true or false, not 'yes'");
+}
+
+TEST(ExchangeDesk, WaitsForTheExchangesUnderWayAndNoLonger) {
+    const TempFolder folder;
+    World world(folder.path);
+    ExchangeDesk desk(world, nullptr);
+    desk.WaitUntilIdle(std::chrono::hours(1));
+    desk.Begin();
+    const double begin = world.clock.Seconds();
+    desk.WaitUntilIdle(std::chrono::milliseconds(50));
+    EXPECT_GE(world.clock.Seconds() - begin, 0.05);
+    std::thread waiter([&] { desk.WaitUntilIdle(std::chrono::hours(1)); });
+    desk.End();
+    waiter.join();
 }
 
 TEST(Json, ReplacesInvalidUtf8) {

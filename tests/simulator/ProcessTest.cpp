@@ -119,12 +119,14 @@ TEST_F(ProcessTest, BadOptionsAreOneLineAndExitCodeTwo) {
 TEST_F(ProcessTest, FailuresAreOneLineAndExitCodeOne) {
     Poco::Net::ServerSocket taken(Poco::Net::SocketAddress("127.0.0.1", 0));
     const std::string port = std::to_string(taken.address().port());
-    Process clash({"--port", port, "--data", folder.path});
+    WriteFile(folder.path + "/port", "left by an earlier run");
+    Process clash({"--port", port, "--data", folder.path, "--port-file", folder.path + "/port"});
     EXPECT_EQ(clash.Wait(), 1);
     const std::string line = clash.Errors();
     EXPECT_EQ(line.rfind("tavo-simulator: ", 0), 0U) << line;
     EXPECT_NE(line.find("127.0.0.1:" + port), std::string::npos) << line;
     EXPECT_EQ(line.find('\n'), line.size() - 1) << line;
+    EXPECT_EQ(Entries(folder.path), std::vector<std::string>{});
 
     WriteFile(folder.path + "/file", "");
     Process noFolder({"--port", "0", "--data", folder.path + "/file"});

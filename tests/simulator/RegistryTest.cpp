@@ -42,8 +42,8 @@ protected:
         return tags;
     }
 
-    const Clock clock;
-    const Vehicle vehicle;
+    const Clock clock{};
+    const Vehicle vehicle{};
     PayloadRegistry registry{clock, vehicle};
 };
 

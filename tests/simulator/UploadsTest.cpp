@@ -28,7 +28,7 @@ std::string Pattern(std::size_t size) {
 TEST_F(Uploads, FilesAndJarsAreKeptUnchanged) {
     const std::string content = Pattern(1234567);
     EXPECT_EQ(Upload("/xp?op=upload&id=p1", content, "/home/payload/log.bin"), okReply);
-    EXPECT_EQ(Upload("/xp?op=uploadlegacy&id=p1&remote=day%2Fone.bin", "zero\0", "/x"), okReply);
+    EXPECT_EQ(Upload("/xp?op=uploadlegacy&id=p1&remote=day%2Fone.bin", "zero", "/x"), okReply);
     EXPECT_EQ(Upload("/xp?op=jar&id=p1&remote=ignored", std::string("PK\0", 3), "/opt/code.jar"),
               okReply);
     EXPECT_EQ(DataFile("log.bin"), content);
