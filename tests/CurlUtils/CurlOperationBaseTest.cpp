@@ -235,6 +235,13 @@ TEST_F(RefusedMemory, GetEndsWithLibcurlsWriteError) {
     ExpectEasyError([&] { Get(url); }, "curl_easy_perform", CURLE_WRITE_ERROR);
 }
 
+TEST_F(RefusedMemory, UploadEndsWithLibcurlsWriteError) {
+    const ScriptedServer server(OkReply(std::string(300000, 'x')));
+    const std::string url = Url(server);
+    const AllocationLimit limit(100000);
+    ExpectEasyError([&] { Post2(url, "abc"); }, "curl_easy_perform", CURLE_WRITE_ERROR);
+}
+
 } // namespace
 
 } // namespace Testing

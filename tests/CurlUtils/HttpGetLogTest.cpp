@@ -73,7 +73,7 @@ TEST_F(HttpGetLog, FlagsAndLocaleOfTheHostsStreamLeaveTheDigits) {
     CapturingLogger chosen({8});
     chosen.Stream().imbue(std::locale(std::locale::classic(), new DigitGrouping));
     chosen.Stream() << std::hex << std::showbase << std::showpos << std::uppercase;
-    HttpGet(TransferTest::Url(large), chosen, false, 20);
+    const HttpGet get(TransferTest::Url(large), chosen, false, 20);
     const std::string end = "\nReturned data (1234):\n\n" + body + "\n\n";
     const std::string text = chosen.Text();
     EXPECT_EQ(text.substr(text.size() - end.size()), end);

@@ -50,7 +50,7 @@ TEST_F(HttpGetRequest, SetsTheOptionsInTheirOrder) {
 TEST_F(HttpGetRequest, VerboseShowsLibcurlsTraceOnStandardError) {
     const ScriptedServer server(OkReply(""));
     ::testing::internal::CaptureStderr();
-    HttpGet(Url(server), logger, true, 20);
+    const HttpGet get(Url(server), logger, true, 20);
     const std::string trace = ::testing::internal::GetCapturedStderr();
     EXPECT_NE(trace.find("> GET /x HTTP/1.1\r\n"), std::string::npos) << trace;
     EXPECT_EQ(interposer.CallsTo("curl_easy_setopt 41"), Lines{"curl_easy_setopt 41 1"});

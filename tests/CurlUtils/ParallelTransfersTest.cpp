@@ -23,6 +23,7 @@ protected:
     /// Runs each thread's rounds; `transfer` gets a number that no other one gets.
     static void Run(const std::function<void(int)>& transfer) {
         std::vector<std::thread> threads;
+        threads.reserve(threadCount);
         for (int thread = 0; thread < threadCount; ++thread) {
             threads.emplace_back([&, thread] {
                 for (int round = 0; round < rounds; ++round) {

@@ -38,14 +38,14 @@ protected:
     /// What is logged at those levels when that content is uploaded.
     std::string Logged(const std::set<int>& levels, const std::string& content) const {
         CapturingLogger chosen(levels);
-        PostFile2(Url(), "content", content, chosen, false, false, 20);
+        const PostFile2 post(Url(), "content", content, chosen, false, false, 20);
         return chosen.Text();
     }
 
     /// Likewise at level 7 when the file of that path is uploaded.
     std::string LoggedForFile(const std::string& name, const std::string& path) const {
         CapturingLogger chosen({7});
-        PostFile2(Url(), name, path, chosen, true, false, 20);
+        const PostFile2 post(Url(), name, path, chosen, true, false, 20);
         return chosen.Text();
     }
 };
@@ -104,7 +104,7 @@ TEST_F(PostFile2Log, TailBeginsOnAMultipleOf15AndHolds2048To2062Bytes) {
 }
 
 TEST_F(PostFile2Log, LargeContentIsNotShownWhole) {
-    const std::string content = PositionedBytes(1024 * 1024);
+    const std::string content = PositionedBytes(1048576);
     // 1048576 - 2048 = 1046528 = 15 * 69768 + 8.
     EXPECT_EQ(Logged({7}, content), RequestLine() + SplitView(content.substr(0, 2048)) + "...\n" +
                                         SplitView(content.substr(1046520)));
@@ -147,7 +147,7 @@ TEST_F(PostFile2Log, FlagsAndLocaleOfTheHostsStreamLeaveTheDigits) {
     CapturingLogger chosen({7, 8});
     chosen.Stream().imbue(std::locale(std::locale::classic(), new DigitGrouping));
     chosen.Stream() << std::hex << std::showbase << std::showpos;
-    PostFile2(url, "content", content, chosen, false, false, 20);
+    const PostFile2 post(url, "content", content, chosen, false, false, 20);
     EXPECT_EQ(chosen.Text(),
               "HTTP POST " + url + "\n" + SplitView(content.substr(0, 2048)) + "...\n" +
                   SplitView(content.substr(2940)) +
@@ -159,7 +159,7 @@ TEST_F(PostFile2Log, FlagsAndLocaleOfTheHostsStreamLeaveTheDigits) {
 TEST_F(PostFile2Log, WidthLeftOnTheHostsStreamLeavesTheDigits) {
     CapturingLogger chosen({8});
     chosen.Stream() << std::setw(20) << std::setfill('0');
-    PostFile2(Url(), "content", "abc", chosen, false, false, 20);
+    const PostFile2 post(Url(), "content", "abc", chosen, false, false, 20);
     // The width is used up by the first text.
     EXPECT_EQ(chosen.Text(), "\n000" + okDump.substr(1));
 }
@@ -177,8 +177,8 @@ TEST_F(PostFile2Log, RequestLineAndDumpStayTogetherAmongThreads) {
     for (char letter = 'a'; letter < 'e'; ++letter) {
         threads.emplace_back([&, letter] {
             for (std::size_t i = 0; i < uploads; ++i) {
-                PostFile2(Url() + letter, "name", std::string(40, letter), shared, false, false,
-                          20);
+                const PostFile2 post(Url() + letter, "name", std::string(40, letter), shared, false,
+                                     false, 20);
             }
         });
     }

@@ -113,7 +113,7 @@ TEST_F(PostFileWait, EndsWhenTheSocketIsReady) {
     interposer.SetMultiTimeout(60000);
     const ScriptedServer server(Script{ReadRequest(), Send("HTTP/1.1 200 OK\r\n\r\n"),
                                        Pause(std::chrono::milliseconds(50)), Send("reply")});
-    EXPECT_EQ(Post(Url(server), PositionedBytes(1024 * 1024)).body, "reply");
+    EXPECT_EQ(Post(Url(server), PositionedBytes(1048576)).body, "reply");
 }
 
 /// Has the process's timer interrupt this thread again and again while it lives.

@@ -1,4 +1,5 @@
 #include "CurlUtils/Uploads.h"
+#include "support/AllocationLimit.h"
 
 #include <cstdlib>
 #include <new>
@@ -63,6 +64,14 @@ TYPED_TEST(UploadFailureOf, TemporaryFileThatCannotBeMadeIsASystemError) {
     } catch (const std::system_error& e) {
         EXPECT_EQ(e.code(), std::errc::no_such_file_or_directory);
     }
+    EXPECT_EQ(this->interposer.Calls(), Lines{});
+}
+
+TYPED_TEST(UploadFailureOf, ContentThatCannotBeCopiedIsABadAlloc) {
+    const std::string content(200000, 'x');
+    const AllocationLimit limit(100000);
+    ExpectThrows<std::bad_alloc>([&] { TypeParam::Send("http://127.0.0.1/x", content, false); },
+                                 "std::bad_alloc");
     EXPECT_EQ(this->interposer.Calls(), Lines{});
 }
 

@@ -133,7 +133,7 @@ TEST_F(UploadForm, PartsOfSeveralFormsFollowOneAnother) {
 TEST_F(UploadForm, TemporaryFileThatCannotBeMadeIsASystemError) {
     setenv("TMPDIR", (Folder() + "/none").c_str(), 1);
     try {
-        FormAddFileCopyFromString(first, last, "name", "abc", false);
+        const FormAddFileCopyFromString file(first, last, "name", "abc", false);
         ADD_FAILURE();
     } catch (const std::system_error& e) {
         EXPECT_EQ(e.code(), std::errc::no_such_file_or_directory);

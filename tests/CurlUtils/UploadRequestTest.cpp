@@ -60,7 +60,7 @@ TYPED_TEST(UploadRequestOf, HeadHasFiveHeaderLinesAndNoExpectation) {
 
 TYPED_TEST(UploadRequestOf, GivenFileIsUploadedUnchangedUnderItsPathAsWritten) {
     const ScriptedServer server(OkReply(""));
-    const std::string content("no zero byte behind this\0 or within", 36);
+    const std::string content("no zero byte behind this\0 or within", 35);
     this->MakeFile("given.bin", content);
     const std::string path = this->Folder() + "/.//given.bin";
     TypeParam::Send(this->Url(server), path, true);

@@ -3,7 +3,6 @@
 #include <TavoRemotingLib/HalcyrREST.h>
 
 #include <functional>
-#include <ostream>
 #include <string>
 #include <vector>
 
@@ -28,11 +27,6 @@ struct Operation {
         return operation == "poll" ? R"({"shutdown":true})" : "OK";
     }
 };
-
-/// Shows a test's parameter by its name.
-inline void PrintTo(const Operation& operation, std::ostream* out) {
-    *out << operation.name;
-}
 
 /// All of them; those of one name and several parameter lists are there once for each.
 std::vector<Operation> Operations();

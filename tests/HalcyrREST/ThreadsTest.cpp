@@ -29,7 +29,7 @@ protected:
         for (std::size_t i = 0; i < callsPerThread; ++i) {
             try {
                 operations[(thread + i) % operations.size()].call(
-                    client, "T" + std::to_string(thread), file);
+                    client, "&T" + std::to_string(thread), file);
             } catch (const std::runtime_error& e) {
                 messages.emplace_back(e.what());
             }
@@ -103,7 +103,7 @@ TEST_F(ClientThreads, ManyAtOnceDoWhatTheyDoOneAfterTheOther) {
     EXPECT_FALSE(alone.messages.empty());
     for (const std::string& message : alone.messages) {
         EXPECT_EQ(message.find("Server operation returned '{\"shutdown\":true}' for "
-                               "http://SERVER/xp?op=pwr&id=T"),
+                               "http://SERVER/xp?op=pwr&id=%26T"),
                   0U)
             << message;
     }
