@@ -25,7 +25,7 @@ function(tavo_install_library target)
     foreach(dependency IN LISTS ARG_DEPENDS)
         string(APPEND TAVO_DEPENDENCIES "find_dependency(${dependency})\n")
     endforeach()
-    configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/Package.cmake.in
+    configure_package_config_file(${CMAKE_CURRENT_FUNCTION_LIST_DIR}/Package.cmake.in
         ${CMAKE_CURRENT_BINARY_DIR}/${ARG_PACKAGE}Config.cmake INSTALL_DESTINATION ${package_dir})
     write_basic_package_version_file(${CMAKE_CURRENT_BINARY_DIR}/${ARG_PACKAGE}ConfigVersion.cmake
         VERSION ${PROJECT_VERSION} COMPATIBILITY SameMajorVersion)
@@ -39,7 +39,7 @@ function(tavo_install_library target)
     list(JOIN ARG_REQUIRES ", " TAVO_REQUIRES)
     # From the .pc file up to the prefix, so that an installed tree may be moved.
     file(RELATIVE_PATH TAVO_UP /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
-    configure_file(${PROJECT_SOURCE_DIR}/cmake/Package.pc.in
+    configure_file(${CMAKE_CURRENT_FUNCTION_LIST_DIR}/Package.pc.in
         ${CMAKE_CURRENT_BINARY_DIR}/${ARG_PACKAGE}.pc @ONLY)
     install(FILES ${CMAKE_CURRENT_BINARY_DIR}/${ARG_PACKAGE}.pc
         DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT ${development})

@@ -17,7 +17,8 @@ if(NOT EXISTS ${CMAKE_SYSROOT}/usr/include)
 endif()
 
 set(CMAKE_CXX_FLAGS_INIT "-mthumb -march=armv7-a+fp -mfloat-abi=hard")
-set(CMAKE_CXX_FLAGS_RELEASE_INIT "-Os -DNDEBUG")
+# Small before fast. Set whole: to an initial value CMake would append its own -O3.
+set(CMAKE_CXX_FLAGS_RELEASE "-Os -DNDEBUG" CACHE STRING "Flags of the release flavour")
 
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)

@@ -32,7 +32,7 @@ namespace TavoRemotingLib {
 ///
 /// JSON is read by jsoncpp. Nesting of more than 1000 levels is its own Json::RuntimeError, a
 /// std::exception that is no std::runtime_error; and while the process's global C++ locale has a
-/// decimal point other than ".", jsoncpp refuses numbers with a fraction.
+/// decimal point other than ".", jsoncpp refuses numbers with a fraction or drops the fraction.
 ///
 /// Strings are bytes, taken as they are. Several threads may use one client at once: it never
 /// changes, and each call has its own connection. The logger must outlive the client.
