@@ -1,5 +1,5 @@
 #include "CurlUtils/TransferTest.h"
-#include "HalcyrREST/GlobalLocale.h"
+#include "support/GlobalLocale.h"
 
 #include <type_traits>
 #include <typeinfo>

@@ -1,5 +1,5 @@
 #include "CurlUtils/TransferTest.h"
-#include "HalcyrREST/ClosedPort.h"
+#include "support/ClosedPort.h"
 
 namespace Brenmoor {
 namespace TavoRemotingLib {

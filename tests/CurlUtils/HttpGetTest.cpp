@@ -1,5 +1,5 @@
 #include "CurlUtils/TransferTest.h"
-#include "HalcyrREST/Requests.h"
+#include "support/Requests.h"
 
 namespace Brenmoor {
 namespace TavoRemotingLib {

@@ -1,6 +1,6 @@
 #include "CurlUtils/TransferTest.h"
-#include "HalcyrREST/Requests.h"
 #include "support/Form.h"
+#include "support/Requests.h"
 
 #include <algorithm>
 #include <functional>

@@ -1,6 +1,6 @@
 #include "CurlUtils/TransferTest.h"
-#include "HalcyrREST/ClosedPort.h"
 #include "support/AllocationLimit.h"
+#include "support/ClosedPort.h"
 
 #include <algorithm>
 

@@ -1,6 +1,6 @@
 #include "CurlUtils/Uploads.h"
-#include "HalcyrREST/Requests.h"
 #include "support/Form.h"
+#include "support/Requests.h"
 
 namespace Brenmoor {
 namespace TavoRemotingLib {

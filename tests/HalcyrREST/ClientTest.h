@@ -1,11 +1,11 @@
 #pragma once
 
 #include "CurlUtils/TransferTest.h"
-#include "HalcyrREST/Requests.h"
 #include "support/CapturingLogger.h"
 #include "support/CleanTest.h"
 #include "support/Form.h"
 #include "support/Interposer.h"
+#include "support/Requests.h"
 #include "support/ScriptedServer.h"
 #include "support/Throws.h"
 

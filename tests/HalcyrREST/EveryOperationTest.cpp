@@ -1,8 +1,8 @@
 // What all operations have in common, shown for each of them.
 
 #include "HalcyrREST/ClientTest.h"
-#include "HalcyrREST/ClosedPort.h"
 #include "HalcyrREST/Operations.h"
+#include "support/ClosedPort.h"
 
 namespace Brenmoor {
 namespace TavoRemotingLib {

@@ -1,8 +1,8 @@
 // A host may set a C++ locale that groups digits; the server and readers of messages must not
 // notice.
 
-#include "HalcyrREST/GlobalLocale.h"
 #include "HalcyrREST/PollTest.h"
+#include "support/GlobalLocale.h"
 
 #include <sstream>
 

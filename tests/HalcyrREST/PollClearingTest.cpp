@@ -1,7 +1,7 @@
 // When exactly the results of an earlier poll go.
 
-#include "HalcyrREST/ClosedPort.h"
 #include "HalcyrREST/PollTest.h"
+#include "support/ClosedPort.h"
 
 #include <climits>
 

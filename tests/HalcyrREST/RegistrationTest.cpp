@@ -1,5 +1,5 @@
 #include "HalcyrREST/ClientTest.h"
-#include "HalcyrREST/GlobalLocale.h"
+#include "support/GlobalLocale.h"
 
 namespace Brenmoor {
 namespace TavoRemotingLib {

@@ -1,4 +1,4 @@
-#include "HalcyrREST/GlobalLocale.h"
+#include "support/GlobalLocale.h"
 #include "support/Interposer.h"
 #include "support/Throws.h"
 

@@ -1,4 +1,4 @@
-#include "HalcyrREST/Requests.h"
+#include "support/Requests.h"
 
 namespace Brenmoor {
 namespace TavoRemotingLib {
