@@ -49,9 +49,11 @@ CURL* __wrap_curl_easy_init() {
 }
 
 CURLcode __real_curl_easy_setopt(CURL* handle, CURLoption option, ...);
-CURLcode __wrap_curl_easy_setopt(CURL* handle, CURLoption option, ...) {
+// The last named parameter is an int, since va_start() must not be given an enumeration.
+CURLcode __wrap_curl_easy_setopt(CURL* handle, int optionNumber, ...) {
+    const auto option = static_cast<CURLoption>(optionNumber);
     va_list arguments;
-    va_start(arguments, option);
+    va_start(arguments, optionNumber);
     const bool isNumber = option < CURLOPTTYPE_OBJECTPOINT;
     // Read as libcurl reads it.
     const long number = isNumber ? va_arg(arguments, long) : 0;
@@ -77,9 +79,10 @@ CURLcode __wrap_curl_easy_perform(CURL* handle) {
 }
 
 CURLcode __real_curl_easy_getinfo(CURL* handle, CURLINFO info, ...);
-CURLcode __wrap_curl_easy_getinfo(CURL* handle, CURLINFO info, ...) {
+CURLcode __wrap_curl_easy_getinfo(CURL* handle, int infoNumber, ...) {
+    const auto info = static_cast<CURLINFO>(infoNumber);
     va_list arguments;
-    va_start(arguments, info);
+    va_start(arguments, infoNumber);
     void* const out = va_arg(arguments, void*);
     va_end(arguments);
     if (const auto result = Enter("curl_easy_getinfo", std::to_string(info))) {

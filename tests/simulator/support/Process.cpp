@@ -57,6 +57,7 @@ Process::Process(const std::vector<std::string>& arguments) {
     std::vector<std::string> words = Command();
     words.insert(words.end(), arguments.begin(), arguments.end());
     std::vector<char*> pointers;
+    pointers.reserve(words.size() + 1);
     for (std::string& copy : words) {
         pointers.push_back(copy.data());
     }
