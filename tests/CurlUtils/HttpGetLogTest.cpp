@@ -13,13 +13,6 @@ namespace {
 
 using CurlUtils::HttpGet;
 
-const std::string okDump = "\nReturned headers:\n\n"
-                           "\nHTTP/1.1 200 OK\r\n"
-                           "\nContent-Length: 5\r\n"
-                           "\n\r\n"
-                           "\n"
-                           "\nReturned data (5):\n\nhello\n\n";
-
 class HttpGetLog : public ServedTest {
 protected:
     HttpGetLog() : ServedTest(Reply(OkReply("hello"))) {}

@@ -16,13 +16,6 @@ namespace {
 using CurlUtils::PostFile2;
 using MirrinFramework::ByteArray;
 
-const std::string okDump = "\nReturned headers:\n\n"
-                           "\nHTTP/1.1 200 OK\r\n"
-                           "\nContent-Length: 5\r\n"
-                           "\n\r\n"
-                           "\n"
-                           "\nReturned data (5):\n\nhello\n\n";
-
 std::string SplitView(const std::string& bytes) {
     return ByteArray(bytes.data(), bytes.size()).ToStringSplitView() + "\n";
 }

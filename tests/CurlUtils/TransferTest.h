@@ -19,6 +19,14 @@ namespace Brenmoor {
 namespace TavoRemotingLib {
 namespace Testing {
 
+/// What the log has of the reply OkReply("hello").
+inline const std::string okDump = "\nReturned headers:\n\n"
+                                  "\nHTTP/1.1 200 OK\r\n"
+                                  "\nContent-Length: 5\r\n"
+                                  "\n\r\n"
+                                  "\n"
+                                  "\nReturned data (5):\n\nhello\n\n";
+
 /// Expects `action` to throw what a call of libcurl's easy interface that returned `code` leads to.
 template <typename Action>
 void ExpectEasyError(const Action& action, const std::string& label, int code) {
