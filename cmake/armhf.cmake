@@ -16,7 +16,8 @@ if(NOT EXISTS ${CMAKE_SYSROOT}/usr/include)
         "There is no sysroot in ${CMAKE_SYSROOT}; make it with scripts/armhf-sysroot, or name yours with -DTAVO_SYSROOT=<folder>.")
 endif()
 
-set(CMAKE_CXX_FLAGS_INIT "-mthumb -march=armv7-a+fp -mfloat-abi=hard")
+# Without notes about a change of GCC 7.1 in how some arguments are passed: nothing older is linked.
+set(CMAKE_CXX_FLAGS_INIT "-mthumb -march=armv7-a+fp -mfloat-abi=hard -Wno-psabi")
 # Small before fast. Set whole: to an initial value CMake would append its own -O3.
 set(CMAKE_CXX_FLAGS_RELEASE "-Os -DNDEBUG" CACHE STRING "Flags of the release flavour")
 

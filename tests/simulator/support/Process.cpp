@@ -28,7 +28,7 @@ struct Pipe {
 std::vector<std::string> Command() {
     std::vector<std::string> words;
     std::istringstream emulator(SIMULATOR_EMULATOR);
-    for (std::string word; std::getline(emulator, word, ';');) {
+    for (std::string word; std::getline(emulator, word, '|');) {
         words.push_back(word);
     }
     words.emplace_back(SIMULATOR_PATH);
