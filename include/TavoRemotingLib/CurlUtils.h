@@ -172,6 +172,14 @@ public:
     /// any case, cannot be created or written; parts added before stay in the form.
     FormAddFileCopyFromString(curl_httppost*& first, curl_httppost*& last, const std::string& name,
                               const std::string& content, bool contentIsFileName);
+
+private:
+    friend class PostFile;
+    friend class PostFile2;
+
+    TAVO_LOCAL FormAddFileCopyFromString(curl_httppost*& first, curl_httppost*& last,
+                                         const char* content, std::size_t size,
+                                         bool contentIsFileName);
 };
 
 /// A multipart upload through libcurl's multi interface; it logs nothing.

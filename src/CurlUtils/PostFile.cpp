@@ -10,11 +10,11 @@ PostFile::PostFile(const std::string& requestUrl)
     : CurlOperationBase(requestUrl), formPost(nullptr), formLast(nullptr), headerList(nullptr) {}
 
 // Delegates, so that the destructor runs and frees everything when a later step throws.
-PostFile::PostFile(const std::string& requestUrl, const std::string& name,
-                   const std::string& content, bool contentIsFileName, bool verbose,
-                   long timeoutSeconds)
+PostFile::PostFile(const std::string& requestUrl, const std::string&, const std::string& content,
+                   bool contentIsFileName, bool verbose, long timeoutSeconds)
     : PostFile(requestUrl) {
-    const FormAddFileCopyFromString file(formPost, formLast, name, UploadContent(content),
+    // With the zero byte behind the text, which is part of the upload's format.
+    const FormAddFileCopyFromString file(formPost, formLast, content.c_str(), content.size() + 1,
                                          contentIsFileName);
     InitCurl(true);
     headerList = HeadersWithoutExpect();

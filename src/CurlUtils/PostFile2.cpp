@@ -52,7 +52,8 @@ PostFile2::PostFile2(const std::string& requestUrl, const std::string& name,
                      bool verbose, long timeoutSeconds)
     : PostFile2(requestUrl) {
     LogRequest(logger, url, contentIsFileName ? name : content);
-    const FormAddFileCopyFromString file(formPost, formLast, name, UploadContent(content),
+    // With the zero byte behind the text, which is part of the upload's format.
+    const FormAddFileCopyFromString file(formPost, formLast, content.c_str(), content.size() + 1,
                                          contentIsFileName);
     InitCurl(false);
     headerList = HeadersWithoutExpect();

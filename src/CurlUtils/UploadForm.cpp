@@ -27,12 +27,17 @@ void AddPart(curl_httppost*& first, curl_httppost*& last, const char* name, CURL
 FormAddFileCopyFromString::FormAddFileCopyFromString(curl_httppost*& first, curl_httppost*& last,
                                                      const std::string&, const std::string& content,
                                                      bool contentIsFileName)
+    : FormAddFileCopyFromString(first, last, content.c_str(), content.size(), contentIsFileName) {}
+
+FormAddFileCopyFromString::FormAddFileCopyFromString(curl_httppost*& first, curl_httppost*& last,
+                                                     const char* content, std::size_t size,
+                                                     bool contentIsFileName)
     : TempFile(10) {
     if (!contentIsFileName) {
-        Write(MirrinFramework::ByteArray(content.data(), content.size()));
+        Write(MirrinFramework::ByteArray(content, size));
         Close();
     }
-    const char* const path = contentIsFileName ? content.c_str() : GetName().c_str();
+    const char* const path = contentIsFileName ? content : GetName().c_str();
     AddPart(first, last, "file", CURLFORM_FILE, path);
     AddPart(first, last, "filename", CURLFORM_COPYCONTENTS, path);
     AddPart(first, last, "submit", CURLFORM_COPYCONTENTS, "send");
@@ -67,14 +72,6 @@ curl_slist* HeadersWithoutExpect() {
         throw std::bad_alloc();
     }
     return list;
-}
-
-std::string UploadContent(const std::string& content) {
-    std::string copy;
-    copy.reserve(content.size() + 1);
-    copy = content;
-    copy += '\0';
-    return copy;
 }
 
 } // namespace CurlUtils

@@ -11,6 +11,8 @@ namespace {
 /// Of every exchange but a poll.
 constexpr long limitSeconds = 300;
 
+constexpr std::size_t usualAddress = 200;
+
 } // namespace
 
 HalcyrREST::HalcyrREST(const std::string& serverAddress, MirrinFramework::Logger& hostLogger,
@@ -18,7 +20,14 @@ HalcyrREST::HalcyrREST(const std::string& serverAddress, MirrinFramework::Logger
     : server(serverAddress), verbose(trace), logger(hostLogger) {}
 
 std::string HalcyrREST::Address(const std::string& operation) const {
-    return "http://" + server + "/xp?op=" + operation;
+    // Made with room for most addresses, so that they grow in place.
+    std::string address;
+    address.reserve(usualAddress);
+    address += "http://";
+    address += server;
+    address += "/xp?op=";
+    address += operation;
+    return address;
 }
 
 std::string HalcyrREST::Address(const std::string& operation, const std::string& id) const {

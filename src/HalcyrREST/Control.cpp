@@ -1,6 +1,6 @@
-#include <TavoRemotingLib/HalcyrREST.h>
+#include "registration/Text.h"
 
-#include <boost/algorithm/string/trim.hpp>
+#include <TavoRemotingLib/HalcyrREST.h>
 
 namespace Brenmoor {
 namespace TavoRemotingLib {
@@ -28,7 +28,7 @@ void HalcyrREST::SetPayloadKELDSwitch(const std::string& id, bool on) {
 
 void HalcyrREST::Switch(const std::string& address) const {
     const std::string reply = Get(address, "Set Payload KELD Switch");
-    if (boost::algorithm::trim_copy(reply) != "OK") {
+    if (Trimmed(reply) != "OK") {
         throw std::runtime_error("Server operation returned '" + reply + "' for " + address);
     }
 }

@@ -19,7 +19,8 @@ std::string HalcyrREST::EncodeURL(const std::string& value) {
         if (std::isalnum(byte) != 0 || unreserved.find(character) != std::string::npos) {
             escaped += character;
         } else {
-            escaped += "%" + MirrinFramework::ultos(byte, 16, 2, 0);
+            escaped += '%';
+            escaped += MirrinFramework::ultos(byte, 16, 2, 0);
         }
     }
     return escaped;

@@ -1,7 +1,8 @@
+#include "registration/Text.h"
+
 #include <TavoRemotingLib/HalcyrREST.h>
 
 #include <boost/algorithm/string/predicate.hpp>
-#include <boost/algorithm/string/trim.hpp>
 
 namespace Brenmoor {
 namespace TavoRemotingLib {
@@ -11,11 +12,12 @@ void ExpectOKHeaders(const std::vector<std::string>& headers, const std::string&
         if (!boost::algorithm::starts_with(header, "HTTP")) {
             continue;
         }
-        const std::string status = boost::algorithm::trim_copy(header);
+        const std::string_view status = Trimmed(header);
         if (boost::algorithm::ends_with(status, " OK")) {
             return;
         }
-        throw std::runtime_error("For " + label + ", the HTTP header did not return OK: " + status);
+        throw std::runtime_error("For " + label +
+                                 ", the HTTP header did not return OK: " + std::string(status));
     }
     throw std::runtime_error("For " + label + ", no HTTP header was returned");
 }

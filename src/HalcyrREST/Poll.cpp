@@ -1,4 +1,5 @@
 #include "HalcyrREST/ReplyJson.h"
+#include "registration/StyledText.h"
 
 #include <TavoRemotingLib/HalcyrREST.h>
 
@@ -55,14 +56,14 @@ bool IsTrue(const Json::Value& member) {
     return !member.isObject() && !member.isNull() && member.asBool();
 }
 
-void ReadCommands(const Json::Value& items, Commands& commands) {
+void ReadCommands(const Json::Value& items, StyledText& styled, Commands& commands) {
     for (Json::ArrayIndex i = 0; i < items.size(); ++i) {
         const Json::Value& item = items[i];
         if (!item.isObject()) {
             throw std::runtime_error("Non-object found in command item list at index " +
                                      std::to_string(i) + " in response to Poll");
         }
-        commands.emplace_back(item.toStyledString());
+        commands.emplace_back(styled.Of(item));
     }
 }
 
@@ -72,11 +73,12 @@ void ReadReply(const Json::Value& reply, Commands* commands, HalcyrREST::GPSInfo
     if (IsTrue(reply["timeout"])) {
         throw HalcyrREST::ServerTimeoutOnRequest("Server returned timeout on Poll operation");
     }
+    StyledText styled;
     if (commands != nullptr && reply["commands"].isArray()) {
-        ReadCommands(reply["commands"], *commands);
+        ReadCommands(reply["commands"], styled, *commands);
     }
     if (gps != nullptr && reply["gps"].isObject()) {
-        *gps = HalcyrREST::GPSInfo(reply["gps"].toStyledString());
+        *gps = HalcyrREST::GPSInfo(styled.Of(reply["gps"]));
     }
     if (shutdown != nullptr) {
         shutdown->requested = IsTrue(reply["shutdown"]);

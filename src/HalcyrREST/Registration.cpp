@@ -1,7 +1,6 @@
-#include <TavoRemotingLib/HalcyrREST.h>
+#include "registration/Text.h"
 
-#include <boost/algorithm/string/predicate.hpp>
-#include <boost/algorithm/string/trim.hpp>
+#include <TavoRemotingLib/HalcyrREST.h>
 
 namespace Brenmoor {
 namespace TavoRemotingLib {
@@ -11,11 +10,8 @@ namespace {
 /// A document travels without its outer braces and the white space around it; the reader puts the
 /// braces back. A text that lacks one of them deliberately keeps the other.
 std::string WithoutBraces(const std::string& document) {
-    const std::string trimmed = boost::algorithm::trim_copy(document);
-    if (boost::algorithm::starts_with(trimmed, "{") && boost::algorithm::ends_with(trimmed, "}")) {
-        return trimmed.substr(1, trimmed.size() - 2);
-    }
-    return trimmed;
+    const std::string_view trimmed = Trimmed(document);
+    return std::string(HasBraces(trimmed) ? trimmed.substr(1, trimmed.size() - 2) : trimmed);
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "registration/JsonReaders.h"
 #include "registration/Members.h"
+#include "registration/StyledText.h"
 
 #include <TavoRemotingLib/HalcyrREST.h>
 
@@ -61,9 +62,10 @@ void HalcyrREST::PRHardware::InitFromRegJSON(const std::string& document,
     if (!entries.isArray()) {
         return;
     }
+    StyledText styled;
     for (const Json::Value& entry : entries) {
         PRHardware record;
-        record.InitFromJSON(entry.toStyledString());
+        record.InitFromJSON(styled.Of(entry));
         list.push_back(record);
     }
 }

@@ -1,9 +1,8 @@
 #include "registration/JsonReaders.h"
+#include "registration/Text.h"
 
 #include <TavoRemotingLib/HalcyrREST.h>
 
-#include <boost/algorithm/string/predicate.hpp>
-#include <boost/algorithm/string/trim.hpp>
 #include <fstream>
 #include <iterator>
 #include <json/reader.h>
@@ -19,10 +18,10 @@ constexpr std::streamoff maxFileSize = 32768;
 // these; every use is in this function, and only here is the compiler told to accept it.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
-Json::Value Parse(const std::string& text) {
+Json::Value Parse(std::string_view text) {
     Json::Reader reader;
     Json::Value value;
-    if (!reader.parse(text, value, false)) {
+    if (!reader.parse(text.data(), text.data() + text.size(), value, false)) {
         throw std::runtime_error(reader.getFormatedErrorMessages());
     }
     return value;
@@ -38,13 +37,13 @@ void ThrowIfLarge(std::streamoff size, const std::string& fileName) {
 } // namespace
 
 Json::Value StringToJson(const std::string& text) {
-    const std::string trimmed = boost::algorithm::trim_copy(text);
-    if (boost::algorithm::starts_with(trimmed, "{") && boost::algorithm::ends_with(trimmed, "}")) {
+    const std::string_view trimmed = Trimmed(text);
+    if (HasBraces(trimmed)) {
         return Parse(trimmed);
     }
     // Documents travel without their outer braces, so they are put back here, deliberately whenever
     // one of the two is missing.
-    return Parse("{" + trimmed + "}");
+    return Parse("{" + std::string(trimmed) + "}");
 }
 
 std::string FileToString(const std::string& fileName) {

@@ -141,12 +141,6 @@ TEST_F(UploadForm, TemporaryFileThatCannotBeMadeIsASystemError) {
     EXPECT_EQ(interposer.Calls(), Lines{});
 }
 
-TEST(UploadContent, IsTheContentAndOneZeroByte) {
-    EXPECT_EQ(CurlUtils::UploadContent("abc"), std::string("abc\0", 4));
-    EXPECT_EQ(CurlUtils::UploadContent(""), std::string(1, '\0'));
-    EXPECT_EQ(CurlUtils::UploadContent(std::string(2, '\0')), std::string(3, '\0'));
-}
-
 } // namespace
 
 } // namespace Testing

@@ -206,19 +206,18 @@ int __wrap_select(int count, fd_set* read, fd_set* write, fd_set* exception, tim
     return __real_select(count, read, write, exception, timeout);
 }
 
-// Json::Reader::parse(const std::string&, Json::Value&, bool), a member function, whose object is
-// its first argument.
-#define PARSE(prefix)                                                                              \
-    prefix##_ZN4Json6Reader5parseERKNSt7__cxx1112basic_stringIcSt11char_traitsIcESaIcEEERNS_5ValueEb
-bool PARSE(__real_)(Json::Reader* reader, const std::string& text, Json::Value& root,
+// Json::Reader::parse(const char*, const char*, Json::Value&, bool), a member function, whose
+// object is its first argument.
+#define PARSE(prefix) prefix##_ZN4Json6Reader5parseEPKcS2_RNS_5ValueEb
+bool PARSE(__real_)(Json::Reader* reader, const char* begin, const char* end, Json::Value& root,
                     bool comments);
-bool PARSE(__wrap_)(Json::Reader* reader, const std::string& text, Json::Value& root,
+bool PARSE(__wrap_)(Json::Reader* reader, const char* begin, const char* end, Json::Value& root,
                     bool comments) {
     const Interposer* const interposer = Interposer::Active();
     if (interposer != nullptr && interposer->ParseMessage()) {
         throw HalcyrREST::JSONParsingError(*interposer->ParseMessage());
     }
-    return PARSE(__real_)(reader, text, root, comments);
+    return PARSE(__real_)(reader, begin, end, root, comments);
 }
 
 } // extern "C"
