@@ -23,6 +23,16 @@ if(TAVO_SANITIZE)
     add_link_options(-fsanitize=${TAVO_SANITIZE})
 endif()
 
+if(TAVO_FUZZ)
+    if(NOT CMAKE_CXX_COMPILER_ID STREQUAL Clang)
+        message(FATAL_ERROR
+            "The fuzz targets need Clang, and the compiler ${CMAKE_CXX_COMPILER} is ${CMAKE_CXX_COMPILER_ID}; use the preset fuzz.")
+    endif()
+    # Counters for the fuzzer in all code of the tree; its own main() is in the targets only.
+    add_compile_options(-fsanitize=fuzzer-no-link)
+    add_link_options(-fsanitize=fuzzer-no-link)
+endif()
+
 # tavo_warnings(<target>...): the warnings that this tree is free of.
 function(tavo_warnings)
     foreach(target IN LISTS ARGN)

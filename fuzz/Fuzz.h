@@ -1,0 +1,18 @@
+#pragma once
+
+#include <string>
+
+namespace Brenmoor {
+namespace TavoRemotingLib {
+namespace Fuzzing {
+
+/// Ends the program with that text, as a finding, unless the condition holds.
+void Require(bool condition, const char* text);
+
+/// What every target is: it makes one call or a few with the input and checks what must hold for
+/// every input. An exception that it lets pass is a finding too.
+void Try(const std::string& input);
+
+} // namespace Fuzzing
+} // namespace TavoRemotingLib
+} // namespace Brenmoor
