@@ -1,35 +1,25 @@
 #pragma once
 
+#include "../../support/Program.h"
+
 #include <string>
-#include <sys/types.h>
 #include <vector>
 
 namespace Brenmoor {
 namespace TavoSimulator {
 namespace Testing {
 
-/// The simulator as a program. What it writes is read through pipes.
-class Process {
+/// The simulator as a program.
+class Process : public TavoRemotingLib::Testing::Program {
 public:
-    explicit Process(const std::vector<std::string>& arguments);
-    Process(const Process&) = delete;
-    Process& operator=(const Process&) = delete;
-    /// Kills a program that still runs.
-    ~Process();
-
-    /// The next line of its standard output, without the line end; empty at its end.
-    std::string ReadLine();
-    void Signal(int number) const;
-    /// Waits for its end and returns its exit code, or minus the signal that ended it.
-    int Wait();
-    /// All the rest of standard output, and all of standard error. For use after Wait().
-    std::string RestOfOutput();
-    std::string Errors();
+    explicit Process(const std::vector<std::string>& arguments) : Program(Words(arguments)) {}
 
 private:
-    pid_t id = 0;
-    int output = -1;
-    int errors = -1;
+    static std::vector<std::string> Words(const std::vector<std::string>& arguments) {
+        std::vector<std::string> words = TavoRemotingLib::Testing::CommandOf(SIMULATOR_PATH);
+        words.insert(words.end(), arguments.begin(), arguments.end());
+        return words;
+    }
 };
 
 } // namespace Testing

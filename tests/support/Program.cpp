@@ -1,4 +1,4 @@
-#include "support/Process.h"
+#include "support/Program.h"
 
 #include <csignal>
 #include <fcntl.h>
@@ -9,7 +9,7 @@
 #include <unistd.h>
 
 namespace Brenmoor {
-namespace TavoSimulator {
+namespace TavoRemotingLib {
 namespace Testing {
 
 namespace {
@@ -23,17 +23,6 @@ struct Pipe {
 
     int ends[2] = {-1, -1};
 };
-
-/// The simulator's path, behind the emulator that runs it when this is a cross build.
-std::vector<std::string> Command() {
-    std::vector<std::string> words;
-    std::istringstream emulator(SIMULATOR_EMULATOR);
-    for (std::string word; std::getline(emulator, word, '|');) {
-        words.push_back(word);
-    }
-    words.emplace_back(SIMULATOR_PATH);
-    return words;
-}
 
 std::string ReadRest(int descriptor) {
     std::string text;
@@ -49,17 +38,25 @@ std::string ReadRest(int descriptor) {
 
 } // namespace
 
-Process::Process(const std::vector<std::string>& arguments) {
+std::vector<std::string> CommandOf(const std::string& path) {
+    std::vector<std::string> words;
+    std::istringstream emulator(TAVO_EMULATOR);
+    for (std::string word; std::getline(emulator, word, '|');) {
+        words.push_back(word);
+    }
+    words.push_back(path);
+    return words;
+}
+
+Program::Program(std::vector<std::string> words) {
     const Pipe out;
     const Pipe err;
     output = out.ends[0];
     errors = err.ends[0];
-    std::vector<std::string> words = Command();
-    words.insert(words.end(), arguments.begin(), arguments.end());
     std::vector<char*> pointers;
     pointers.reserve(words.size() + 1);
-    for (std::string& copy : words) {
-        pointers.push_back(copy.data());
+    for (std::string& word : words) {
+        pointers.push_back(word.data());
     }
     pointers.push_back(nullptr);
 
@@ -72,11 +69,11 @@ Process::Process(const std::vector<std::string>& arguments) {
     close(out.ends[1]);
     close(err.ends[1]);
     if (result != 0) {
-        throw std::runtime_error("the simulator does not start");
+        throw std::runtime_error(words[0] + " does not start");
     }
 }
 
-Process::~Process() {
+Program::~Program() {
     if (id != 0) {
         Signal(SIGKILL);
         Wait();
@@ -85,7 +82,7 @@ Process::~Process() {
     close(errors);
 }
 
-std::string Process::ReadLine() {
+std::string Program::ReadLine() {
     std::string line;
     char next = '\0';
     while (read(output, &next, 1) == 1 && next != '\n') {
@@ -94,25 +91,25 @@ std::string Process::ReadLine() {
     return line;
 }
 
-void Process::Signal(int number) const {
+void Program::Signal(int number) const {
     kill(id, number);
 }
 
-int Process::Wait() {
+int Program::Wait() {
     int status = 0;
     waitpid(id, &status, 0);
     id = 0;
     return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
 }
 
-std::string Process::RestOfOutput() {
+std::string Program::RestOfOutput() {
     return ReadRest(output);
 }
 
-std::string Process::Errors() {
+std::string Program::Errors() {
     return ReadRest(errors);
 }
 
 } // namespace Testing
-} // namespace TavoSimulator
+} // namespace TavoRemotingLib
 } // namespace Brenmoor
