@@ -101,7 +101,7 @@ install(FILES packaging/lintian-overrides RENAME libtavoremoting${abi}
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples
     DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/libtavoremoting-dev
     COMPONENT TavoRemotingLib-dev EXCLUDE_FROM_ALL
-    FILES_MATCHING PATTERN *.cpp PATTERN *.json)
+    FILES_MATCHING PATTERN *.cpp PATTERN *.json PATTERN CMakeLists.txt)
 
 if(TARGET tavo-simulator)
     tavo_debian_package(tools tavo-tools SECTION devel
