@@ -24,6 +24,16 @@ struct Pipe {
     int ends[2] = {-1, -1};
 };
 
+std::vector<char*> Pointers(std::vector<std::string>& texts) {
+    std::vector<char*> pointers;
+    pointers.reserve(texts.size() + 1);
+    for (std::string& text : texts) {
+        pointers.push_back(text.data());
+    }
+    pointers.push_back(nullptr);
+    return pointers;
+}
+
 std::string ReadRest(int descriptor) {
     std::string text;
     char buffer[4096];
@@ -48,29 +58,41 @@ std::vector<std::string> CommandOf(const std::string& path) {
     return words;
 }
 
+std::vector<std::string> Environment() {
+    std::vector<std::string> variables;
+    for (char** variable = environ; *variable != nullptr; ++variable) {
+        variables.emplace_back(*variable);
+    }
+    return variables;
+}
+
+pid_t Spawn(std::vector<std::string> words, std::vector<std::string> variables,
+            const int (&streams)[3]) {
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    for (int number = 0; number < 3; ++number) {
+        if (streams[number] >= 0) {
+            posix_spawn_file_actions_adddup2(&actions, streams[number], number);
+        }
+    }
+    pid_t id = 0;
+    const int result = posix_spawnp(&id, words[0].c_str(), &actions, nullptr,
+                                    Pointers(words).data(), Pointers(variables).data());
+    posix_spawn_file_actions_destroy(&actions);
+    if (result != 0) {
+        throw std::runtime_error(words[0] + " does not start");
+    }
+    return id;
+}
+
 Program::Program(std::vector<std::string> words) {
     const Pipe out;
     const Pipe err;
     output = out.ends[0];
     errors = err.ends[0];
-    std::vector<char*> pointers;
-    pointers.reserve(words.size() + 1);
-    for (std::string& word : words) {
-        pointers.push_back(word.data());
-    }
-    pointers.push_back(nullptr);
-
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_adddup2(&actions, out.ends[1], STDOUT_FILENO);
-    posix_spawn_file_actions_adddup2(&actions, err.ends[1], STDERR_FILENO);
-    const int result = posix_spawnp(&id, pointers[0], &actions, nullptr, pointers.data(), environ);
-    posix_spawn_file_actions_destroy(&actions);
+    id = Spawn(std::move(words), Environment(), {-1, out.ends[1], err.ends[1]});
     close(out.ends[1]);
     close(err.ends[1]);
-    if (result != 0) {
-        throw std::runtime_error(words[0] + " does not start");
-    }
 }
 
 Program::~Program() {

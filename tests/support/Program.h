@@ -12,6 +12,14 @@ namespace Testing {
 /// build.
 std::vector<std::string> CommandOf(const std::string& path);
 
+/// Starts a program with these variables and these standard streams, of which -1 is the test's own.
+/// Its first word is looked for in PATH unless it is a path. Returns its process id.
+pid_t Spawn(std::vector<std::string> words, std::vector<std::string> variables,
+            const int (&streams)[3]);
+
+/// The variables of the test's own environment.
+std::vector<std::string> Environment();
+
 /// A program that runs. What it writes is read through pipes.
 class Program {
 public:

@@ -1,0 +1,15 @@
+#include "commands/Commands.h"
+
+namespace Brenmoor {
+namespace Tavo {
+
+std::vector<Command> Commands() {
+    return {
+        PowerCommand(),
+        OffCommand(),
+        ScriptCommand(),
+    };
+}
+
+} // namespace Tavo
+} // namespace Brenmoor

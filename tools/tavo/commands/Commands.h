@@ -1,0 +1,19 @@
+#pragma once
+
+#include "core/Description.h"
+
+#include <vector>
+
+namespace Brenmoor {
+namespace Tavo {
+
+// One function for each subcommand, in a file for each family.
+Command PowerCommand();
+Command OffCommand();
+Command ScriptCommand();
+
+/// All of them, in the order in which help tells them.
+std::vector<Command> Commands();
+
+} // namespace Tavo
+} // namespace Brenmoor

@@ -1,0 +1,69 @@
+#include "core/Description.h"
+
+#include <algorithm>
+
+namespace Brenmoor {
+namespace Tavo {
+
+std::vector<Parameter> CommonParameters(CommonOptions& options) {
+    Parameter server{"-s,--server", "HOST[:PORT]", "the payload server", &options.server};
+    server.variable = "TAVO_SERVER";
+    Parameter id{"-i,--id", "ID", "the payload", &options.ids};
+    id.variable = "TAVO_ID";
+    return {
+        server,
+        id,
+        {"--json", "", "print one line of JSON, for programs", &options.json},
+        {"-q,--quiet", "", "print nothing but errors", &options.quiet},
+        {"-v,--verbose", "", "show the library's log: requests, and replies too when given twice",
+         &options.verbosity},
+        {"--trace", "", "show libcurl's trace of the exchange", &options.trace},
+    };
+}
+
+std::vector<Parameter> OwnParameters() {
+    return {
+        {"-h,--help", "", "print help and exit", static_cast<bool*>(nullptr)},
+        {"--version", "", "print the version and exit", static_cast<bool*>(nullptr)},
+    };
+}
+
+const Command* FindCommand(const std::vector<Command>& commands, const std::string& name) {
+    const auto found = std::find_if(commands.begin(), commands.end(),
+                                    [&](const Command& command) { return command.name == name; });
+    return found == commands.end() ? nullptr : &*found;
+}
+
+std::string Shown(const Parameter& option) {
+    std::string shown = option.name;
+    const std::size_t comma = shown.find(',');
+    if (comma != std::string::npos) {
+        shown.insert(comma + 1, " ");
+    }
+    return shown + (option.value.empty() ? "" : " " + option.value);
+}
+
+std::string Synopsis(const Command& command) {
+    std::string line = "tavo " + command.name + " [OPTION]...";
+    for (const Parameter& argument : command.arguments) {
+        std::string shown = argument.name;
+        if (std::holds_alternative<std::vector<std::string>*>(argument.target)) {
+            shown += "...";
+        }
+        line += argument.isRequired ? " " + shown : " [" + shown + "]";
+    }
+    return line;
+}
+
+std::vector<Variable> Variables() {
+    return {
+        {"TAVO_SERVER", "the payload server, unless --server names it"},
+        {"TAVO_ID", "the payload, unless --id names it"},
+        {"NO_COLOR", "unless empty, nothing is coloured"},
+        {"TMPDIR", "the folder for temporary files, through which texts to send pass"},
+        {"http_proxy, all_proxy, NO_PROXY", "as libcurl has them"},
+    };
+}
+
+} // namespace Tavo
+} // namespace Brenmoor
