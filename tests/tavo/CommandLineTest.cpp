@@ -32,7 +32,7 @@ TEST(CommandLineTest, MistakesAreOneLineWithAHint) {
     EXPECT_EQ(RunTavo({"off", "--json", "--quiet"}),
               UsageOf("tavo off: --json and --quiet exclude each other; see 'tavo off --help'"));
     EXPECT_EQ(RunTavo({"off\033[2J\n"}),
-              UsageOf("tavo: unknown command 'off\\x1B[2J\\n'; see 'tavo --help'"));
+              UsageOf("tavo: unknown command 'off\\x1B[2J '; see 'tavo --help'"));
 }
 
 TEST(CommandLineTest, ServerIsHostAndPort) {

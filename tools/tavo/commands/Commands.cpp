@@ -5,9 +5,10 @@ namespace Tavo {
 
 std::vector<Command> Commands() {
     return {
-        PowerCommand(),
-        OffCommand(),
-        ScriptCommand(),
+        PollCommand(),       RespondCommand(),       PowerCommand(),
+        OffCommand(),        DelayShutdownCommand(), ScriptCommand(),
+        InstallJarCommand(), RegisterCommand(),      RegistrationCompleteCommand(),
+        SendPacketCommand(), SendFileCommand(),
     };
 }
 

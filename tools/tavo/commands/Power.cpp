@@ -22,12 +22,13 @@ void SwitchPower(Session& session, const PowerOptions& options) {
     result["on"] = on;
     result["switch"] = Json::Value::null;
     std::string shown = "power";
+    auto& client = session.Client();
     if (options.switchName.has_value()) {
-        session.Client().SetPayloadKELDSwitch(id, *options.switchName, on);
+        session.Transfer([&] { client.SetPayloadKELDSwitch(id, *options.switchName, on); });
         result["switch"] = *options.switchName;
         shown = "switch '" + Escaped(*options.switchName) + "'";
     } else {
-        session.Client().SetPayloadKELDSwitch(id, on);
+        session.Transfer([&] { client.SetPayloadKELDSwitch(id, on); });
     }
     session.output.Result(Escaped(id) + ": " + shown + " is " + options.state + "\n", result);
 }
@@ -62,10 +63,32 @@ Command OffCommand() {
     command.examples = {{"Let payload P1 be switched off", "tavo off --id P1"}};
     command.run = [](Session& session) {
         const std::string& id = session.Id();
-        session.Client().TurnPayloadOff(id);
+        auto& client = session.Client();
+        session.Transfer([&] { client.TurnPayloadOff(id); });
         Json::Value result;
         result["id"] = id;
         session.output.Result(Escaped(id) + ": to be switched off\n", result);
+    };
+    return command;
+}
+
+Command DelayShutdownCommand() {
+    const auto delay = std::make_shared<long>();
+    Command command;
+    command.name = "delay-shutdown";
+    command.summary = "ask the server to postpone the payload's shutdown";
+    command.arguments = {
+        {"DELAY", "", "how long, in the server's unit; may be negative", delay.get(), {}, true}};
+    command.examples = {{"Ask for 30 more", "tavo delay-shutdown 30 --id P1"}};
+    command.run = [delay](Session& session) {
+        const std::string& id = session.Id();
+        auto& client = session.Client();
+        session.Transfer([&] { client.DelayShutdown(id, *delay); });
+        Json::Value result;
+        result["id"] = id;
+        result["delay"] = static_cast<Json::Int64>(*delay);
+        session.output.Result(
+            Escaped(id) + ": shutdown postponed by " + std::to_string(*delay) + "\n", result);
     };
     return command;
 }

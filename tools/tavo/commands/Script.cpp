@@ -18,9 +18,12 @@ Command ScriptCommand() {
         {"A script that begins with a dash", "tavo script --id P1 -- '-version'"},
     };
     command.run = [script](Session& session) {
-        const std::string output = session.Client().RunScript(session.Id(), *script);
+        const std::string& id = session.Id();
+        auto& client = session.Client();
+        std::string output;
+        session.Transfer([&] { output = client.RunScript(id, *script); });
         Json::Value result;
-        result["id"] = session.Id();
+        result["id"] = id;
         result["output"] = output;
         session.output.Result(output, result);
     };

@@ -92,7 +92,7 @@ LocalError FileError(const std::string& action, const std::string& path, int err
 }
 
 std::string Failure::Line() const {
-    return Escaped(hint.empty() ? what : what + "; " + hint);
+    return OneLine(hint.empty() ? what : OneLine(what) + "; " + hint);
 }
 
 Failure FailureOf(const std::exception& error, const std::string& server) {

@@ -26,7 +26,7 @@ void Serve(const Request& request, const CommonOptions& options,
         if (options.json && options.quiet) {
             throw UsageError("--json and --quiet exclude each other");
         }
-        Session session(options);
+        Session session(options, request.command->name);
         request.command->run(session);
     }
 }

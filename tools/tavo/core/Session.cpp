@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <iostream>
+#include <unistd.h>
 
 namespace Brenmoor {
 namespace Tavo {
@@ -19,8 +20,8 @@ Output::Mode ModeOf(const CommonOptions& options) {
 
 } // namespace
 
-Session::Session(const CommonOptions& commonOptions)
-    : options(commonOptions), output(ModeOf(commonOptions)),
+Session::Session(const CommonOptions& commonOptions, const std::string& commandName)
+    : options(commonOptions), output(ModeOf(commonOptions)), name(commandName),
       // The library writes the line of a GET at any level: without -v there is no stream for it.
       log(options.verbosity > 0 ? std::clog.rdbuf() : nullptr),
       logger(log, options.verbosity > 1 ? 8 : 7) {}
@@ -49,6 +50,16 @@ const std::vector<std::string>& Session::Ids() const {
         throw UsageError("no payload given", "name it with --id ID or in TAVO_ID");
     }
     return ids;
+}
+
+void Session::Transfer(const std::function<void()>& exchange, const Load& load) const {
+    if (options.quiet || options.verbosity > 0 || options.trace || !IsTerminal(STDERR_FILENO)) {
+        exchange();
+        return;
+    }
+    Progress progress("tavo " + name, load);
+    exchange();
+    progress.Done();
 }
 
 void CheckServer(const std::string& server) {

@@ -2,10 +2,12 @@
 
 #include "core/Description.h"
 #include "core/Output.h"
+#include "core/Progress.h"
 
 #include <MirrinFramework/Logger.h>
 #include <TavoRemotingLib/HalcyrREST.h>
 
+#include <functional>
 #include <memory>
 #include <ostream>
 #include <string>
@@ -17,7 +19,7 @@ namespace Tavo {
 /// What a command runs with: whom it talks to, and where its result goes.
 class Session {
 public:
-    explicit Session(const CommonOptions& options);
+    Session(const CommonOptions& options, const std::string& commandName);
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
     ~Session();
@@ -31,10 +33,15 @@ public:
     /// The payloads, at least one.
     const std::vector<std::string>& Ids() const;
 
+    /// Runs an exchange with the server. When it takes longer than a second, a terminal shows how
+    /// it goes, unless --quiet, a log or a trace is asked for.
+    void Transfer(const std::function<void()>& exchange, const Load& load = {}) const;
+
     const CommonOptions& options;
     const Output output;
 
 private:
+    const std::string name;
     std::ostream log;
     MirrinFramework::Logger logger;
     std::unique_ptr<TavoRemotingLib::HalcyrREST> client;

@@ -1,5 +1,6 @@
 #include "core/Text.h"
 
+#include <algorithm>
 #include <sstream>
 
 namespace Brenmoor {
@@ -34,6 +35,19 @@ std::string Escaped(const std::string& text) {
         before = byte;
     }
     return escaped;
+}
+
+std::string OneLine(const std::string& text) {
+    static const char space[] = " \t\r\n";
+    std::string line;
+    std::size_t begin = text.find_first_not_of(space);
+    while (begin != std::string::npos) {
+        const std::size_t end = std::min(text.find_first_of("\r\n", begin), text.size());
+        const std::size_t last = text.find_last_not_of(space, end - 1);
+        line += (line.empty() ? "" : " ") + text.substr(begin, last + 1 - begin);
+        begin = text.find_first_not_of(space, end);
+    }
+    return Escaped(line);
 }
 
 std::string Wrapped(const std::string& text, std::size_t indent, std::size_t width) {

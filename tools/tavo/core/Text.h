@@ -11,6 +11,10 @@ namespace Tavo {
 /// that UTF-8 codes in two bytes.
 std::string Escaped(const std::string& text);
 
+/// The text with white space that has a line end in it as one blank, and none at its ends; then
+/// escaped.
+std::string OneLine(const std::string& text);
+
 /// The words joined by blanks, in lines of at most `width` columns with `indent` blanks before
 /// each, the last one with a line end too.
 std::string Wrapped(const std::string& text, std::size_t indent, std::size_t width);
