@@ -29,49 +29,53 @@ namespace CurlUtils {
 /// A call of libcurl's easy interface failed; `code` is what it returned.
 class TAVO_EXPORT CurlEasyException : public std::runtime_error {
 public:
+    /// `message` is for what().
     CurlEasyException(CURLcode code, const std::string& message);
     ~CurlEasyException() override;
 
-    CURLcode code;
+    CURLcode code; ///< what the call returned
 };
 
 /// libcurl refused a part of an upload's form; `code` is what curl_formadd() returned.
 class TAVO_EXPORT CurlFormException : public std::runtime_error {
 public:
+    /// `message` is for what().
     CurlFormException(CURLFORMcode code, const std::string& message);
     ~CurlFormException() override;
 
-    CURLFORMcode code;
+    CURLFORMcode code; ///< what curl_formadd() returned
 };
 
 /// A call of libcurl's multi interface failed; `code` is what it returned.
 class TAVO_EXPORT CurlMultiException : public std::runtime_error {
 public:
+    /// `message` is for what().
     CurlMultiException(CURLMcode code, const std::string& message);
     ~CurlMultiException() override;
 
-    CURLMcode code;
+    CURLMcode code; ///< what the call returned
 };
 
 /// No connection had been made, and libcurl told no error of its own or was not asked for it.
 class TAVO_EXPORT ConnectionFailure : public std::runtime_error {
 public:
-    explicit ConnectionFailure(const std::string& message);
+    explicit ConnectionFailure(const std::string& message); ///< for what()
     ~ConnectionFailure() override;
 };
 
 /// The connection was made, but not one header line came back.
 class TAVO_EXPORT ServerDidNotRespond : public std::runtime_error {
 public:
-    explicit ServerDidNotRespond(const std::string& message);
+    explicit ServerDidNotRespond(const std::string& message); ///< for what()
     ~ServerDidNotRespond() override;
 };
 
-/// Each returns when `code` is 0 and otherwise throws its exception. `label` names the libcurl
+/// Returns when `code` is 0, and otherwise throws a CurlEasyException. `label` names the libcurl
 /// call; the message is label, " returned ", the code, " (", libcurl's text, ")".
 TAVO_EXPORT void ThrowEasy(CURLcode code, const std::string& label);
+/// The same with a CurlMultiException.
 TAVO_EXPORT void ThrowMulti(CURLMcode code, const std::string& label);
-/// The message is "curl_formadd() returned " and the code.
+/// The same with a CurlFormException, whose message is "curl_formadd() returned " and the code.
 TAVO_EXPORT void ThrowFormAddError(CURLFORMcode code);
 
 /// What every exchange has: the reply as it arrived, and the libcurl handles, which are released
@@ -104,31 +108,35 @@ protected:
         }
     }
 
-    /// libcurl's callbacks. `userData` is the address of a `self`. They return the number of bytes
-    /// kept, or 0 when keeping them failed, which makes libcurl end the transfer: an exception
-    /// must not travel through its C code.
+    /// libcurl's callback for a piece of the body. `userData` is the address of a `self`. Returns
+    /// the number of bytes kept, or 0 when keeping them failed, which makes libcurl end the
+    /// transfer with code 23: an exception must not travel through its C code.
     static std::size_t WriteDataFunc(char* data, std::size_t size, std::size_t count,
                                      void* userData) noexcept;
+    /// The same for a header line.
     static std::size_t WriteHeaderFunc(void* data, std::size_t size, std::size_t count,
                                        void* userData) noexcept;
+    /// Appends to `body` for WriteDataFunc().
     std::size_t WriteData(char* data, std::size_t size, std::size_t count) noexcept;
+    /// Appends to `headers` for WriteHeaderFunc().
     std::size_t WriteHeader(void* data, std::size_t size, std::size_t count) noexcept;
 
     /// Releases the handles; safe to call again.
     void cleanup() noexcept;
 
-    // Steps that the library's own transfers share; not for classes outside of it.
+    /// @cond Steps that the library's own transfers share; not for classes outside of it.
     TAVO_LOCAL void SetUploadOptions(curl_httppost* form, curl_slist* headerList, bool verbose,
                                      long timeoutSeconds);
     TAVO_LOCAL void Perform();
     TAVO_LOCAL void ThrowUnlessConnected();
     TAVO_LOCAL void ThrowUnlessAnswered() const;
     TAVO_LOCAL void LogReply(MirrinFramework::Logger& logger) const;
+    /// @endcond
 
-    CURL* curl;
-    CURLM* multi;
-    std::string url;
-    CurlOperationBase* self;
+    CURL* curl;              ///< null before InitCurl() and behind cleanup()
+    CURLM* multi;            ///< likewise, and without the multi interface
+    std::string url;         ///< what is asked for
+    CurlOperationBase* self; ///< this object, for the callbacks
 };
 
 /// One HTTP GET.
@@ -154,8 +162,8 @@ public:
     void DebugOut(std::ostream& out) const;
 
 protected:
-    bool verbose;
-    long timeoutSeconds;
+    bool verbose;        ///< whether libcurl's trace is shown
+    long timeoutSeconds; ///< the exchange's limit as given
 };
 
 /// A text turned into a file, and the three parts of an upload's form.
@@ -194,6 +202,7 @@ public:
             FD_ZERO(this);
         }
 
+        /// Whether any descriptor is in it.
         bool HasBits() const {
             for (int descriptor = 0; descriptor < FD_SETSIZE; ++descriptor) {
                 if (FD_ISSET(descriptor, this)) {
@@ -236,9 +245,9 @@ public:
     ~PostFile() override;
 
 protected:
-    curl_httppost* formPost;
-    curl_httppost* formLast;
-    curl_slist* headerList;
+    curl_httppost* formPost; ///< the form's first part
+    curl_httppost* formLast; ///< its last part
+    curl_slist* headerList;  ///< header lines of the request's own
 
 private:
     TAVO_LOCAL explicit PostFile(const std::string& requestUrl);
@@ -264,9 +273,9 @@ public:
     ~PostFile2() override;
 
 protected:
-    curl_httppost* formPost;
-    curl_httppost* formLast;
-    curl_slist* headerList;
+    curl_httppost* formPost; ///< the form's first part
+    curl_httppost* formLast; ///< its last part
+    curl_slist* headerList;  ///< header lines of the request's own
 
 private:
     TAVO_LOCAL explicit PostFile2(const std::string& requestUrl);

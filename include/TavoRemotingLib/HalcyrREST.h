@@ -17,8 +17,11 @@ namespace TavoRemotingLib {
 ///
 /// Each operation that sends something is one blocking HTTP exchange on the calling thread. It
 /// returns when the server has answered with a status line ending in " OK", and throws otherwise;
-/// then nothing is kept, retried or left behind, and the client is as it was. Unless an operation
-/// says otherwise, making the connection may take 10 seconds and the whole exchange 301.
+/// then nothing is kept, retried or left behind, and the client is as it was. Whether the server
+/// has done what was asked is unknown when the failure came behind the request. Unless an operation
+/// says otherwise, making the connection may take 10 seconds and the whole exchange 301; it cannot
+/// be cancelled. The reply is held in memory whole, and a text to upload passes through a temporary
+/// file in TMPDIR or /tmp. docs/errors.md lists every message.
 ///
 /// Every such operation may throw
 ///   - CurlUtils::CurlEasyException: no connection, time-out, broken reply, an address that is no
@@ -34,35 +37,36 @@ namespace TavoRemotingLib {
 /// std::exception that is no std::runtime_error; and while the process's global C++ locale has a
 /// decimal point other than ".", jsoncpp refuses numbers with a fraction or drops the fraction.
 ///
-/// Strings are bytes, taken as they are. Several threads may use one client at once: it never
-/// changes, and each call has its own connection. The logger must outlive the client.
+/// Strings are bytes of any value, taken as they are, and of any length. A `long` has 32 bits on
+/// the target. Several threads may use one client at once: it never changes, and each call has its
+/// own connection; a record belongs to one thread at a time. The logger must outlive the client.
 class HalcyrREST {
 public:
     /// The reply to a poll had no body.
     class TAVO_EXPORT EmptyCommandException : public std::runtime_error {
     public:
-        explicit EmptyCommandException(const std::string& message);
+        explicit EmptyCommandException(const std::string& message); ///< for what()
         ~EmptyCommandException() override;
     };
 
     /// A step of reading JSON failed with this very error, and was told with its context.
     class TAVO_EXPORT JSONParsingError : public std::runtime_error {
     public:
-        explicit JSONParsingError(const std::string& message);
+        explicit JSONParsingError(const std::string& message); ///< for what()
         ~JSONParsingError() override;
     };
 
     /// A command of a poll's reply lacks a member or its response tag.
     class TAVO_EXPORT RemoteCommandFormatError : public std::runtime_error {
     public:
-        explicit RemoteCommandFormatError(const std::string& message);
+        explicit RemoteCommandFormatError(const std::string& message); ///< for what()
         ~RemoteCommandFormatError() override;
     };
 
     /// The server held a poll for its whole time and had nothing to report.
     class TAVO_EXPORT ServerTimeoutOnRequest : public std::runtime_error {
     public:
-        explicit ServerTimeoutOnRequest(const std::string& message);
+        explicit ServerTimeoutOnRequest(const std::string& message); ///< for what()
         ~ServerTimeoutOnRequest() override;
     };
 
@@ -90,10 +94,10 @@ public:
 
         bool received = false; ///< the server sent a position, usable or not
         bool hasError = false; ///< it is not usable; `errorText` says why
-        std::string errorText;
-        double latitude = std::numeric_limits<double>::quiet_NaN();  ///< NaN when not supplied
-        double longitude = std::numeric_limits<double>::quiet_NaN(); ///< NaN when not supplied
-        /// The time of the fix as the server sends it; NaN when not supplied.
+        std::string errorText; ///< the server's words, or the library's for a missing number
+        double latitude = std::numeric_limits<double>::quiet_NaN();  ///< degrees; NaN if not sent
+        double longitude = std::numeric_limits<double>::quiet_NaN(); ///< degrees; NaN if not sent
+        /// The time of the fix, in the server's unit; NaN if not sent.
         double timeFix = std::numeric_limits<double>::quiet_NaN();
     };
 
@@ -104,7 +108,7 @@ public:
         /// Ignores the text: only Poll() says whether a shutdown is requested.
         TAVO_EXPORT explicit ShutdownInfo(const std::string& text);
 
-        bool requested = false;
+        bool requested = false; ///< the payload is to shut down now
     };
 
     /// The payload's interface, the first entry of the list "interface" of a registration document.
@@ -125,8 +129,8 @@ public:
         /// members are empty.
         TAVO_EXPORT std::string UpdateJSON(const std::string& document) const;
 
-        std::string partNumber;
-        std::string swVer;
+        std::string partNumber; ///< "pn"
+        std::string swVer;      ///< "swver", of the interface's software
     };
 
     /// One piece of hardware, an entry of the list "hardware" of a registration document.
@@ -147,15 +151,15 @@ public:
         TAVO_EXPORT static std::string UpdateJSON(const std::string& document,
                                                   const std::vector<PRHardware>& list);
 
-        std::string manufacturer;
-        std::string model;
-        std::string partNumber;
-        std::string serialNumber;
-        std::string swVer;
-        std::string tty;       ///< serial device
-        bool hasPower = false; ///< whether `power` is meant
-        int power = 0;         ///< copied through; its unit is the server's
-        std::string connector; ///< of the vehicle's power-switch unit
+        std::string manufacturer; ///< "manufacturer"
+        std::string model;        ///< "model"
+        std::string partNumber;   ///< "pn"
+        std::string serialNumber; ///< "serial"
+        std::string swVer;        ///< "swver"
+        std::string tty;          ///< "tty", the serial device
+        bool hasPower = false;    ///< whether `power` is meant; it is not written otherwise
+        int power = 0;            ///< "power", copied through; its unit is the server's
+        std::string connector;    ///< "connector" of the vehicle's power-switch unit
     };
 
     /// The members of the registration document that the library reads and writes.
@@ -175,12 +179,12 @@ public:
         /// six members alone.
         TAVO_EXPORT std::string ToJSON(const std::string& fileName) const;
 
-        std::string tag;
-        std::string description;
-        std::uint16_t boardAddress = 0;
-        std::uint16_t reportingAddress = 0;
-        std::string corbaName;
-        std::string hostID;
+        std::string tag;                    ///< "tag"
+        std::string description;            ///< "description", for people
+        std::uint16_t boardAddress = 0;     ///< "boardAddress"; a greater one is read modulo 65536
+        std::uint16_t reportingAddress = 0; ///< "reportingAddress"; likewise
+        std::string corbaName;              ///< "corbaName"
+        std::string hostID;                 ///< "hostID"
     };
 
     /// `server` is a host name or address, with ":" and a port if wanted, and goes into request
@@ -205,7 +209,8 @@ public:
     template <typename T>
     void SetPayloadKELDSwitch(const std::string& id, const T* switchName) = delete;
 
-    /// Has the server run a script and returns the reply's body as received.
+    /// Has the server run a script and returns the reply's body as received. A script that takes
+    /// longer than an exchange may is a CurlUtils::CurlEasyException with code 28.
     TAVO_EXPORT std::string RunScript(const std::string& id, const std::string& command);
 
     /// Tells the server that the payload's registration is complete.
@@ -215,7 +220,8 @@ public:
     /// Messages about the status line name this operation "Poll".
     TAVO_EXPORT void DelayShutdown(const std::string& id, long delay);
 
-    /// Uploads a JAR file for installation. A missing file is a CurlUtils::CurlEasyException.
+    /// Uploads a JAR file for installation. One that is missing or cannot be read is a
+    /// CurlUtils::CurlEasyException with code 26.
     TAVO_EXPORT void InstallJar(const std::string& id, const std::string& jarFile);
 
     /// Answers a command received from Poll(). `complete` false says that the command is
@@ -250,6 +256,7 @@ public:
     /// Sends a packet of any bytes for relay to shore. It travels as ASCII text with escapes.
     TAVO_EXPORT void SendRawPacketToShore(const std::string& id,
                                           const MirrinFramework::ByteArray& packet);
+    /// The same with the bytes of a string.
     TAVO_EXPORT void SendRawPacketToShore(const std::string& id, const std::string& packet);
 
     /// Sends a file for relay to shore, under the name `remote` unless that is empty. Throws
@@ -258,7 +265,8 @@ public:
     TAVO_EXPORT void SendFileToShoreLegacy(const std::string& id, const std::string& fileName,
                                            const std::string& remote);
     /// The same through the current operation; a file that is missing or cannot be read is a
-    /// CurlUtils::CurlEasyException.
+    /// CurlUtils::CurlEasyException with code 26. A folder is sent as an empty file, "-" is
+    /// standard input, and a FIFO blocks until it has a writer.
     TAVO_EXPORT void SendFileToShore(const std::string& id, const std::string& fileName,
                                      const std::string& remote);
 
@@ -267,7 +275,7 @@ public:
     TAVO_EXPORT std::string GetPayloadRegistrationContent(const std::string& fileName,
                                                           const PayloadRegistration& registration);
     /// Registers the payload with the document made of its file and its record. `id` and
-    /// `hostId` may be empty and are then not sent.
+    /// `hostId` may be empty and are then not sent. A file that cannot be read is no failure.
     TAVO_EXPORT void RegisterPayload(const std::string& id, const std::string& fileName,
                                      const PayloadRegistration& registration,
                                      const std::string& hostId);

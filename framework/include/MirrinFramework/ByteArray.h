@@ -16,6 +16,7 @@ public:
     /// Copies `size` bytes from `data`. `data` may be null when `size` is 0.
     ByteArray(const void* data, std::size_t size);
 
+    /// The number of bytes.
     std::size_t Size() const;
     /// The first byte; valid until the array is changed or destroyed. Do not read it when Size() is
     /// 0.

@@ -37,13 +37,14 @@ private:
 /// may take it again; another thread waits, without limit, until every holder is gone.
 class MIRRIN_EXPORT Logger::Locked {
 public:
+    /// Waits for the lock. `logger` must outlive the object.
     explicit Locked(Logger& logger);
     Locked(const Locked&) = delete;
     Locked& operator=(const Locked&) = delete;
     ~Locked();
 
-    std::ostream* operator->() const;
-    std::ostream& operator*() const;
+    std::ostream* operator->() const; ///< the logger's stream
+    std::ostream& operator*() const;  ///< the logger's stream
 
 private:
     std::lock_guard<std::recursive_mutex> lock;
