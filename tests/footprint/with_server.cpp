@@ -100,7 +100,8 @@ std::string AddressOf(int listener) {
     return "127.0.0.1:" + std::to_string(ntohs(address.sin_port));
 }
 
-int Run(char** command, std::string address) {
+int Run(char** command, const std::string& server) {
+    std::string address = server;
     std::vector<char*> arguments;
     for (; *command != nullptr; ++command) {
         arguments.push_back(*command);
