@@ -2,6 +2,7 @@
 
 #include "support/ScriptedServer.h"
 
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -17,6 +18,11 @@ struct HostileReply {
     bool hasStatusLine; ///< whether a status line reaches the reader, also where the code is not 0
     std::string body;   ///< what of the body reaches the reader, where the code is 0
 };
+
+/// What GoogleTest shows of it.
+inline void PrintTo(const HostileReply& reply, std::ostream* out) {
+    *out << reply.name;
+}
 
 /// Named by their fault. Those that time out take as long as the transfer's limit.
 const std::vector<HostileReply>& HostileReplies();
