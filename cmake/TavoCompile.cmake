@@ -17,6 +17,20 @@ set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 # File sizes and offsets are 64 bits wide on every target, 32-bit ones included.
 add_compile_definitions(_FILE_OFFSET_BITS=64)
 
+# Hardening; tests/hardening looks for it in the built files.
+add_compile_options(-fstack-protector-strong)
+add_link_options(-Wl,-z,relro,-z,now,-z,noexecstack)
+if(NOT TAVO_SANITIZE)
+    # Needs optimisation, and would keep the sanitizers from seeing what it replaces.
+    add_compile_options($<$<CONFIG:Release,RelWithDebInfo,MinSizeRel>:-U_FORTIFY_SOURCE$<SEMICOLON>-D_FORTIFY_SOURCE=2>)
+endif()
+# Containers and iterators of the standard library check how they are used, where it may cost time.
+if(TAVO_SANITIZE OR TAVO_FUZZ)
+    add_compile_definitions(_GLIBCXX_ASSERTIONS)
+else()
+    add_compile_definitions($<$<CONFIG:Debug>:_GLIBCXX_ASSERTIONS>)
+endif()
+
 if(TAVO_SANITIZE)
     # Without -fno-sanitize-recover a finding would be printed and the test would still pass.
     add_compile_options(-fsanitize=${TAVO_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)

@@ -1,6 +1,7 @@
 #include <climits>
 #include <cstring>
 #include <thread>
+#include <vector>
 
 namespace {
 
@@ -29,6 +30,12 @@ void Race() {
     other.join();
 }
 
+int Index() {
+    const std::vector<int> numbers(8);
+    volatile std::size_t index = 8;
+    return numbers[index];
+}
+
 } // namespace
 
 /// Commits the fault that its argument names, and succeeds if nobody minds.
@@ -40,6 +47,8 @@ int main(int, char** argv) {
         Leak();
     } else if (std::strcmp(fault, "arithmetic") == 0) {
         Arithmetic();
+    } else if (std::strcmp(fault, "index") == 0) {
+        Index();
     } else {
         Race();
     }
