@@ -285,14 +285,14 @@ public:
                                                 const std::string& hostId);
 
 private:
-    std::string Address(const std::string& operation) const;
-    std::string Address(const std::string& operation, const std::string& id) const;
+    std::string Address(const char* operation) const;
+    std::string Address(const char* operation, const std::string& id) const;
     std::string Get(const std::string& address, const std::string& label) const;
     std::string Get(const std::string& address, const std::string& label,
                     long timeoutSeconds) const;
     void Upload(const std::string& address, const std::string& content, bool contentIsFileName,
                 const std::string& label) const;
-    void SendFile(const std::string& operation, const std::string& id, const std::string& fileName,
+    void SendFile(const char* operation, const std::string& id, const std::string& fileName,
                   const std::string& remote, const std::string& label) const;
     void Switch(const std::string& address) const;
 

@@ -1,3 +1,5 @@
+#include "HalcyrREST/EncodeURL.h"
+
 #include <TavoRemotingLib/CurlUtils.h>
 #include <TavoRemotingLib/HalcyrREST.h>
 
@@ -19,7 +21,7 @@ HalcyrREST::HalcyrREST(const std::string& serverAddress, MirrinFramework::Logger
                        bool trace)
     : server(serverAddress), verbose(trace), logger(hostLogger) {}
 
-std::string HalcyrREST::Address(const std::string& operation) const {
+std::string HalcyrREST::Address(const char* operation) const {
     // Made with room for most addresses, so that they grow in place.
     std::string address;
     address.reserve(usualAddress);
@@ -30,8 +32,10 @@ std::string HalcyrREST::Address(const std::string& operation) const {
     return address;
 }
 
-std::string HalcyrREST::Address(const std::string& operation, const std::string& id) const {
-    return Address(operation) + "&id=" + EncodeURL(id);
+std::string HalcyrREST::Address(const char* operation, const std::string& id) const {
+    std::string address = Address(operation);
+    AppendEncoded(address += "&id=", id);
+    return address;
 }
 
 std::string HalcyrREST::Get(const std::string& address, const std::string& label) const {

@@ -1,3 +1,4 @@
+#include "HalcyrREST/EncodeURL.h"
 #include "registration/Text.h"
 
 #include <TavoRemotingLib/HalcyrREST.h>
@@ -7,7 +8,7 @@ namespace TavoRemotingLib {
 
 namespace {
 
-std::string SwitchCommand(bool on) {
+const char* SwitchCommand(bool on) {
     return on ? "&cmd=on" : "&cmd=off";
 }
 
@@ -19,11 +20,13 @@ void HalcyrREST::TurnPayloadOff(const std::string& id) {
 
 void HalcyrREST::SetPayloadKELDSwitch(const std::string& id, const std::string& switchName,
                                       bool on) {
-    Switch(Address("pwr", id) + "&sw=" + EncodeURL(switchName) + SwitchCommand(on));
+    std::string address = Address("pwr", id);
+    AppendEncoded(address += "&sw=", switchName);
+    Switch(address += SwitchCommand(on));
 }
 
 void HalcyrREST::SetPayloadKELDSwitch(const std::string& id, bool on) {
-    Switch(Address("pwr", id) + SwitchCommand(on));
+    Switch(Address("pwr", id) += SwitchCommand(on));
 }
 
 void HalcyrREST::Switch(const std::string& address) const {
@@ -34,7 +37,9 @@ void HalcyrREST::Switch(const std::string& address) const {
 }
 
 std::string HalcyrREST::RunScript(const std::string& id, const std::string& command) {
-    return Get(Address("script", id) + "&cmd=" + EncodeURL(command), "Run Script");
+    std::string address = Address("script", id);
+    AppendEncoded(address += "&cmd=", command);
+    return Get(address, "Run Script");
 }
 
 void HalcyrREST::RegistrationComplete(const std::string& id) {
@@ -55,9 +60,12 @@ void HalcyrREST::RespondToCommand(const std::string& id, const std::string& tag,
                                   const std::string& response, bool complete, bool succeeded) {
     // The id deliberately goes out as it is: it is one that the server issued. The flags are sent
     // only when false.
-    const std::string address = Address("reply") + "&id=" + id + "&tag=" + EncodeURL(tag) +
-                                (complete ? "" : "&complete=false") +
-                                (succeeded ? "" : "&succeeded=false");
+    std::string address = Address("reply");
+    address += "&id=";
+    address += id;
+    AppendEncoded(address += "&tag=", tag);
+    address += complete ? "" : "&complete=false";
+    address += succeeded ? "" : "&succeeded=false";
     Upload(address, response, false, "Respond to Command");
 }
 

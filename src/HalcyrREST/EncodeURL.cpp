@@ -1,3 +1,5 @@
+#include "HalcyrREST/EncodeURL.h"
+
 #include <MirrinFramework/Ultos.h>
 #include <TavoRemotingLib/HalcyrREST.h>
 
@@ -6,24 +8,40 @@
 namespace Brenmoor {
 namespace TavoRemotingLib {
 
-std::string HalcyrREST::EncodeURL(const std::string& value) {
-    static const std::string unreserved =
-        "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-_.~";
-    if (value.find_first_not_of(unreserved) == std::string::npos) {
-        return value;
+namespace {
+
+constexpr bool IsUnreserved(char character) {
+    return (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z') ||
+           (character >= '0' && character <= '9') || character == '-' || character == '_' ||
+           character == '.' || character == '~';
+}
+
+} // namespace
+
+void AppendEncoded(std::string& address, const std::string& value) {
+    // Most values need no escape at all.
+    std::size_t next = 0;
+    while (next < value.size() && IsUnreserved(value[next])) {
+        ++next;
     }
-    std::string escaped;
-    for (const char character : value) {
-        const auto byte = static_cast<unsigned char>(character);
-        // isalnum() comes first on purpose: the letters of the process's C locale pass.
-        if (std::isalnum(byte) != 0 || unreserved.find(character) != std::string::npos) {
-            escaped += character;
+    address.append(value, 0, next);
+    for (; next < value.size(); ++next) {
+        const auto byte = static_cast<unsigned char>(value[next]);
+        // The letters of the process's C locale pass, too, deliberately.
+        if (IsUnreserved(value[next]) || std::isalnum(byte) != 0) {
+            address += value[next];
         } else {
-            escaped += '%';
-            escaped += MirrinFramework::ultos(byte, 16, 2, 0);
+            address += '%';
+            address += MirrinFramework::ultos(byte, 16, 2, 0);
         }
     }
-    return escaped;
+}
+
+std::string HalcyrREST::EncodeURL(const std::string& value) {
+    std::string encoded;
+    encoded.reserve(value.size());
+    AppendEncoded(encoded, value);
+    return encoded;
 }
 
 } // namespace TavoRemotingLib

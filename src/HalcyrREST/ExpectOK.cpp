@@ -2,18 +2,16 @@
 
 #include <TavoRemotingLib/HalcyrREST.h>
 
-#include <boost/algorithm/string/predicate.hpp>
-
 namespace Brenmoor {
 namespace TavoRemotingLib {
 
 void ExpectOKHeaders(const std::vector<std::string>& headers, const std::string& label) {
     for (const std::string& header : headers) {
-        if (!boost::algorithm::starts_with(header, "HTTP")) {
+        if (std::string_view(header).substr(0, 4) != "HTTP") {
             continue;
         }
         const std::string_view status = Trimmed(header);
-        if (boost::algorithm::ends_with(status, " OK")) {
+        if (status.size() >= 3 && status.substr(status.size() - 3) == " OK") {
             return;
         }
         throw std::runtime_error("For " + label +

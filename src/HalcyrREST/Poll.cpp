@@ -1,3 +1,4 @@
+#include "HalcyrREST/EncodeURL.h"
 #include "HalcyrREST/ReplyJson.h"
 #include "registration/StyledText.h"
 
@@ -101,7 +102,7 @@ void HalcyrREST::Poll(std::vector<std::string>& ids, std::vector<RemoteCommand>*
     }
     std::string address = Address("poll");
     for (const std::string& id : ids) {
-        address += "&id=" + EncodeURL(id);
+        AppendEncoded(address += "&id=", id);
     }
     address += ClearAndAsk(commands, gps, shutdown, maxCommands);
     const long waitMs = timeoutMs >= 0 ? timeoutMs : defaultTimeoutMs;

@@ -1,3 +1,4 @@
+#include "HalcyrREST/EncodeURL.h"
 #include "registration/Text.h"
 
 #include <TavoRemotingLib/HalcyrREST.h>
@@ -31,10 +32,10 @@ void HalcyrREST::RegisterPayloadWithContent(const std::string& id, const std::st
                                             const std::string& hostId) {
     std::string address = Address("meta");
     if (!id.empty()) {
-        address += "&id=" + EncodeURL(id);
+        AppendEncoded(address += "&id=", id);
     }
     if (!hostId.empty()) {
-        address += "&hostid=" + EncodeURL(hostId);
+        AppendEncoded(address += "&hostid=", hostId);
     }
     Upload(address, WithoutBraces(content), false, "Payload Registration");
 }

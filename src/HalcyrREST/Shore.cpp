@@ -1,3 +1,5 @@
+#include "HalcyrREST/EncodeURL.h"
+
 #include <TavoRemotingLib/HalcyrREST.h>
 
 #include <boost/filesystem/operations.hpp>
@@ -30,12 +32,11 @@ void HalcyrREST::SendFileToShore(const std::string& id, const std::string& fileN
     SendFile("upload", id, fileName, remote, "Send File to Shore");
 }
 
-void HalcyrREST::SendFile(const std::string& operation, const std::string& id,
-                          const std::string& fileName, const std::string& remote,
-                          const std::string& label) const {
+void HalcyrREST::SendFile(const char* operation, const std::string& id, const std::string& fileName,
+                          const std::string& remote, const std::string& label) const {
     std::string address = Address(operation, id);
     if (!remote.empty()) {
-        address += "&remote=" + EncodeURL(remote);
+        AppendEncoded(address += "&remote=", remote);
     }
     Upload(address, fileName, true, label);
 }
