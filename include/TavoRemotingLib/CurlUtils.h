@@ -18,7 +18,7 @@ namespace TavoRemotingLib {
 
 /// One HTTP exchange per object, performed whole in its constructor: when the constructor returns,
 /// the reply is in the object; when it throws, nothing is left behind. The environment's
-/// http_proxy, all_proxy and NO_PROXY are honoured, and TMPDIR by uploads.
+/// http_proxy, all_proxy, no_proxy and their like are honoured, and TMPDIR by uploads.
 ///
 /// An exchange blocks its thread and belongs to it. Distinct exchanges share nothing and may run
 /// on distinct threads at once. Before the first thread starts, a host must call
