@@ -103,15 +103,28 @@ install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples
     COMPONENT TavoRemotingLib-dev EXCLUDE_FROM_ALL
     FILES_MATCHING PATTERN *.cpp PATTERN *.json PATTERN CMakeLists.txt)
 
-if(TARGET tavo-simulator)
+if(TARGET tavo-simulator OR TARGET tavo)
     tavo_debian_package(tools tavo-tools SECTION devel
-        SUMMARY "payload server for the desk"
-        DESCRIPTION "tavo-simulator plays the payload server of a vehicle on a developer's machine,
-so that a payload's software can be tried and tested without the vehicle.")
+        SUMMARY "client and payload server on the command line"
+        DESCRIPTION "tavo talks to a vehicle's payload server as a payload does: it polls, answers,
+switches, registers and sends. tavo-simulator plays the payload server of a
+vehicle on a developer's machine, so that a payload's software can be tried
+and tested without the vehicle.")
+endif()
+if(TARGET tavo-simulator)
     configure_file(packaging/tavo-simulator.1.in ${debian}/tavo-simulator.1 @ONLY)
     tavo_gzip(${debian}/tavo-simulator.1 tavo-simulator.1)
     install(FILES ${debian}/tavo-simulator.1.gz
         DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools EXCLUDE_FROM_ALL)
+endif()
+if(TARGET tavo_documents)
+    get_target_property(pages tavo_documents TAVO_FOLDER)
+    install(DIRECTORY ${pages}/ DESTINATION ${CMAKE_INSTALL_MANDIR}/man1
+        COMPONENT tools EXCLUDE_FROM_ALL FILES_MATCHING PATTERN *.1.gz)
+    install(FILES ${pages}/tavo.bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
+        RENAME tavo COMPONENT tools EXCLUDE_FROM_ALL)
+    install(FILES ${pages}/_tavo DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions
+        COMPONENT tools EXCLUDE_FROM_ALL)
 endif()
 
 # CPack finds dependencies with dpkg-shlibdeps, which has to be told of more than CPack can tell it.

@@ -122,9 +122,9 @@ Command RegisterCommand() {
     command.options = RegisterParameters(*options);
     command.examples = {
         {"Register, with a tag of this host's own",
-         "tavo register registration.json --set tag=ctd-2 --id P1"},
+         "tavo register ctd.json --set tag=ctd-2 --id P1"},
         {"See what would be sent for another probe and without the second entry",
-         "tavo register registration.json --hardware 1.serial=000418 --drop-hardware 2 --print"},
+         "tavo register ctd.json --hardware 1.serial=0042 --drop-hardware 2 --print"},
     };
     command.run = [options](Session& session) {
         Register(session, *options);

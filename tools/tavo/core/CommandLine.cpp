@@ -83,47 +83,72 @@ bool IsFlag(const Parameter& parameter) {
            std::holds_alternative<int*>(parameter.target);
 }
 
-/// The parser keeps the values as texts; nothing is converted by it.
-CLI::callback_t Storing(const Parameter& parameter) {
-    return [&parameter](const Values& values) {
-        for (const std::string& value : values) {
-            Check(parameter, value);
+/// The parser keeps the values as texts, and is asked for them when the whole line is read.
+class Parser {
+public:
+    Parser(const std::vector<Parameter>& common, const std::vector<Command>& commands) {
+        app.set_help_flag("-h,--help");
+        app.set_version_flag("--version", "");
+        app.fallthrough();
+        app.require_subcommand(1);
+        for (const Parameter& parameter : common) {
+            AddOption(app, parameter);
         }
-        std::visit(Store{parameter, values}, parameter.target);
-        return true;
-    };
-}
+        for (const Command& command : commands) {
+            CLI::App& subcommand = *app.add_subcommand(command.name);
+            for (const Parameter& argument : command.arguments) {
+                AddArgument(subcommand, argument);
+            }
+            for (const Parameter& option : command.options) {
+                AddOption(subcommand, option);
+            }
+        }
+    }
 
-void AddOption(CLI::App& app, const Parameter& parameter) {
-    CLI::Option* const option = app.add_option(parameter.name, Storing(parameter));
-    if (IsFlag(parameter)) {
-        option->expected(0)->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
-        return;
+    void StoreAll() const {
+        for (const auto& [parameter, option] : known) {
+            const Values& values = option->results();
+            for (const std::string& value : values) {
+                Check(*parameter, value);
+            }
+            if (!values.empty()) {
+                std::visit(Store{*parameter, values}, parameter->target);
+            }
+        }
     }
-    option->expected(1)->allow_extra_args(false)->type_name(parameter.value);
-    option->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
-    option->envname(parameter.variable);
-}
 
-void AddArgument(CLI::App& app, const Parameter& parameter) {
-    CLI::Option* const option = app.add_option(parameter.name, Storing(parameter));
-    if (std::holds_alternative<Values*>(parameter.target)) {
-        option->expected(parameter.isRequired ? 1 : 0, CLI::detail::expected_max_vector_size);
-    }
-    // Otherwise a value like "[a,b]" would be taken for a list.
-    option->allow_extra_args(false);
-    option->required(parameter.isRequired);
-}
+    CLI::App app{"", "tavo"};
 
-void AddCommand(CLI::App& app, const Command& command) {
-    CLI::App* const subcommand = app.add_subcommand(command.name);
-    for (const Parameter& argument : command.arguments) {
-        AddArgument(*subcommand, argument);
+private:
+    CLI::Option& Add(CLI::App& to, const Parameter& parameter) {
+        CLI::Option& option = *to.add_option(parameter.name);
+        option.multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+        known.emplace_back(&parameter, &option);
+        return option;
     }
-    for (const Parameter& option : command.options) {
-        AddOption(*subcommand, option);
+
+    void AddOption(CLI::App& to, const Parameter& parameter) {
+        CLI::Option& option = Add(to, parameter);
+        if (IsFlag(parameter)) {
+            option.expected(0);
+            return;
+        }
+        option.expected(1)->allow_extra_args(false)->type_name(parameter.value);
+        option.envname(parameter.variable);
     }
-}
+
+    void AddArgument(CLI::App& to, const Parameter& parameter) {
+        CLI::Option& option = Add(to, parameter);
+        option.required(parameter.isRequired);
+        if (std::holds_alternative<Values*>(parameter.target)) {
+            option.expected(parameter.isRequired ? 1 : 0, CLI::detail::expected_max_vector_size);
+        }
+        // Otherwise a value like "[a,b]" would be taken for a list.
+        option.allow_extra_args(false);
+    }
+
+    std::vector<std::pair<const Parameter*, const CLI::Option*>> known;
+};
 
 const Command* Chosen(const CLI::App& app, const std::vector<Command>& commands) {
     const auto chosen = app.get_subcommands();
@@ -151,17 +176,8 @@ const Command* Chosen(const CLI::App& app, const std::vector<Command>& commands)
 Request ReadCommandLine(const std::vector<std::string>& arguments,
                         const std::vector<Parameter>& common, const std::vector<Command>& commands,
                         const Command*& command) {
-    CLI::App app("", "tavo");
-    app.set_help_flag("-h,--help");
-    app.set_version_flag("--version", "");
-    app.fallthrough();
-    app.require_subcommand(1);
-    for (const Parameter& parameter : common) {
-        AddOption(app, parameter);
-    }
-    for (const Command& added : commands) {
-        AddCommand(app, added);
-    }
+    Parser parser(common, commands);
+    CLI::App& app = parser.app;
     command = nullptr;
     try {
         // The parser takes them from the end.
@@ -173,11 +189,9 @@ Request ReadCommandLine(const std::vector<std::string>& arguments,
     } catch (const CLI::ParseError& error) {
         command = Chosen(app, commands);
         ThrowUsage(app, command, error);
-    } catch (const UsageError&) {
-        command = Chosen(app, commands);
-        throw;
     }
     command = Chosen(app, commands);
+    parser.StoreAll();
     return {Request::Kind::Run, command};
 }
 

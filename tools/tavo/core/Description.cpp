@@ -1,9 +1,15 @@
 #include "core/Description.h"
 
+#include "core/Text.h"
+
 #include <algorithm>
 
 namespace Brenmoor {
 namespace Tavo {
+
+const char programSynopsis[] = "tavo COMMAND [OPTION]... [ARGUMENT]...";
+const char programSummary[] = "talk to a vehicle's payload server as a payload does";
+const char programDetails[] = "Talks to a vehicle's payload server as a payload does.";
 
 std::vector<Parameter> CommonParameters(CommonOptions& options) {
     Parameter server{"-s,--server", "HOST[:PORT]", "the payload server", &options.server};
@@ -34,13 +40,31 @@ const Command* FindCommand(const std::vector<Command>& commands, const std::stri
     return found == commands.end() ? nullptr : &*found;
 }
 
-std::string Shown(const Parameter& option) {
-    std::string shown = option.name;
-    const std::size_t comma = shown.find(',');
-    if (comma != std::string::npos) {
-        shown.insert(comma + 1, " ");
+std::vector<std::string> Names(const Parameter& option) {
+    const std::size_t comma = option.name.find(',');
+    if (comma == std::string::npos) {
+        return {option.name};
     }
-    return shown + (option.value.empty() ? "" : " " + option.value);
+    return {option.name.substr(0, comma), option.name.substr(comma + 1)};
+}
+
+std::string Shown(const Parameter& option) {
+    return Joined(Names(option), ", ") + (option.value.empty() ? "" : " " + option.value);
+}
+
+std::string Meaning(const Parameter& parameter) {
+    std::string text = parameter.text;
+    if (!parameter.choices.empty()) {
+        text += ": " + Joined(parameter.choices, " or ");
+    }
+    if (!parameter.variable.empty()) {
+        text += " (default: $" + parameter.variable + ")";
+    }
+    if (std::holds_alternative<std::vector<std::string>*>(parameter.target) &&
+        !parameter.value.empty()) {
+        text += "; may be repeated";
+    }
+    return text;
 }
 
 std::string Synopsis(const Command& command) {

@@ -61,8 +61,18 @@ std::vector<Parameter> OwnParameters();
 
 const Command* FindCommand(const std::vector<Command>& commands, const std::string& name);
 
+extern const char programSynopsis[];
+extern const char programSummary[];
+extern const char programDetails[];
+
+/// An option's names: "-s" and "--server".
+std::vector<std::string> Names(const Parameter& option);
+
 /// The option as help shows it: "-s, --server HOST[:PORT]".
 std::string Shown(const Parameter& option);
+
+/// All that is to be told of a parameter: its text, its choices, its default.
+std::string Meaning(const Parameter& parameter);
 
 /// The command line in short: "tavo power [OPTION]... STATE".
 std::string Synopsis(const Command& command);

@@ -3,8 +3,6 @@
 #include "core/ExitCode.h"
 #include "core/Text.h"
 
-#include <cctype>
-
 namespace Brenmoor {
 namespace Tavo {
 
@@ -21,25 +19,10 @@ std::string Row(const std::string& name, const std::string& text, std::size_t co
     return "  " + name + std::string(column - 2 - name.size(), ' ') + wrapped.substr(column);
 }
 
-std::string TextOf(const Parameter& parameter) {
-    std::string text = parameter.text;
-    if (!parameter.choices.empty()) {
-        text += ": " + Joined(parameter.choices, " or ");
-    }
-    if (!parameter.variable.empty()) {
-        text += " (default: $" + parameter.variable + ")";
-    }
-    if (std::holds_alternative<std::vector<std::string>*>(parameter.target) &&
-        !parameter.value.empty()) {
-        text += "; may be repeated";
-    }
-    return text;
-}
-
 std::string Rows(const std::vector<Parameter>& parameters) {
     std::string rows;
     for (const Parameter& parameter : parameters) {
-        rows += Row(Shown(parameter), TextOf(parameter), 28);
+        rows += Row(Shown(parameter), Meaning(parameter), 28);
     }
     return rows;
 }
@@ -64,8 +47,7 @@ std::string ProgramHelp(const std::vector<Parameter>& common, const std::vector<
     for (const ExitCodeRow& row : ExitCodes()) {
         codes += Row(std::to_string(static_cast<int>(row.code)), row.meaning, 6);
     }
-    return style.Bold("Usage: tavo COMMAND [OPTION]... [ARGUMENT]...") +
-           "\nTalks to a vehicle's payload server as a payload does.\n" +
+    return style.Bold(std::string("Usage: ") + programSynopsis) + "\n" + programDetails + "\n" +
            Section(style, "Commands:", rows) +
            Section(style, "Options of every command:", Rows(common) + Rows(OwnParameters())) +
            Section(style, "Environment:", variables) + Section(style, "Exit codes:", codes) +
@@ -81,10 +63,8 @@ std::string CommandHelp(const Command& command, const Style& style) {
     for (const Example& example : command.examples) {
         examples += Wrapped(example.text + ":", 2, width) + "      " + example.line + "\n";
     }
-    std::string summary = command.summary;
-    summary.front() = static_cast<char>(std::toupper(static_cast<unsigned char>(summary.front())));
-    return style.Bold("Usage: " + Synopsis(command)) + "\n" + summary + ".\n" + details +
-           Section(style, "Arguments:", Rows(command.arguments)) +
+    return style.Bold("Usage: " + Synopsis(command)) + "\n" + Sentence(command.summary) + "\n" +
+           details + Section(style, "Arguments:", Rows(command.arguments)) +
            Section(style, "Options:", Rows(command.options)) +
            Section(style, "Examples:", examples) +
            "\n'tavo --help' tells of the options that every command has.\n";

@@ -1,6 +1,7 @@
 #include "core/Text.h"
 
 #include <algorithm>
+#include <cctype>
 #include <sstream>
 
 namespace Brenmoor {
@@ -63,6 +64,19 @@ std::string Wrapped(const std::string& text, std::size_t indent, std::size_t wid
         line += (line.empty() ? "" : " ") + word;
     }
     return lines + margin + line + "\n";
+}
+
+std::string Sentence(std::string text) {
+    text.front() = static_cast<char>(std::toupper(static_cast<unsigned char>(text.front())));
+    return text + ".";
+}
+
+std::string Filled(std::string text,
+                   const std::vector<std::pair<std::string, std::string>>& values) {
+    for (const auto& [key, value] : values) {
+        text.replace(text.find(key), key.size(), value);
+    }
+    return text;
 }
 
 std::string Joined(const std::vector<std::string>& parts, const std::string& separator) {
