@@ -8,119 +8,210 @@ namespace {
 
 class Control : public ServerTest {};
 
-TEST_F(Control, OffMarksThePayloadAndSettlesItsShutdown) {
-    Post("/sim/shutdown", R"({"id":"p 1","inSeconds":0})");
-    EXPECT_EQ(Get("/xp?op=off&id=p%201"), okReply);
-    EXPECT_EQ(Kept("id"), "\"p 1\"");
-    EXPECT_EQ(Kept("off"), "true");
+const char done[] = "{\"ok\":true}\n";
+
+TEST_F(Control, QueuesCommandsAndFillsInTheTag) {
+    EXPECT_EQ(Post("/sim/v1/commands", R"({"id":"p1","tag":"mine","command":"c","isFile":true})"),
+              ReplyText("200 OK", "application/json", "{\"number\":1,\"tag\":\"mine\"}\n"));
+    EXPECT_EQ(BodyOf(Post("/sim/v1/commands", R"({"id":"p1","command":"d"})")),
+              "{\"number\":2,\"tag\":\"t2\"}\n");
+    EXPECT_EQ(Kept("commands"),
+              R"([{"command":"c","isFile":true,"number":1,"state":"queued","succeeded":null,)"
+              R"("tag":"mine"},)"
+              R"({"command":"d","isFile":false,"number":2,"state":"queued","succeeded":null,)"
+              R"("tag":"t2"}])");
+}
+
+TEST_F(Control, PlansAndCancelsShutdowns) {
+    EXPECT_EQ(BodyOf(Post("/sim/v1/shutdown", R"({"id":"p1","inSeconds":100})")), done);
+    const Json::Value shutdown = FirstPayload(server.Port())["shutdown"];
+    EXPECT_EQ(JsonText(shutdown["pending"]), "false");
+    EXPECT_EQ(JsonText(shutdown["told"]), "false");
+    EXPECT_GT(shutdown["inSeconds"].asDouble(), 0);
+    EXPECT_LE(shutdown["inSeconds"].asDouble(), 100);
+    EXPECT_EQ(BodyOf(Post("/sim/v1/shutdown", R"({"id":"p1","cancel":true})")), done);
     EXPECT_EQ(Kept("shutdown"), "null");
 }
 
-TEST_F(Control, PowerKeepsNamedSwitchesAndTheMainOneApart) {
-    EXPECT_EQ(Get("/xp?op=pwr&id=p1&sw=S%202&cmd=on"), okReply);
-    EXPECT_EQ(Get("/xp?op=pwr&id=p1&sw=lamp&cmd=on"), okReply);
-    EXPECT_EQ(Get("/xp?op=pwr&id=p1&sw=lamp&cmd=off"), okReply);
-    EXPECT_EQ(Kept("switches"), R"({"S 2":true,"lamp":false})");
-    EXPECT_EQ(Kept("mainSwitch"), "null");
-    EXPECT_EQ(Get("/xp?op=pwr&id=p1&cmd=off"), okReply);
-    EXPECT_EQ(Kept("mainSwitch"), "false");
-    EXPECT_EQ(Get("/xp?op=off&id=p1"), okReply);
-    EXPECT_EQ(Get("/xp?op=pwr&id=p1&cmd=on"), okReply);
+TEST_F(Control, SetsSwitchesAndForgetsPayloads) {
+    EXPECT_EQ(BodyOf(Post("/sim/v1/switches", R"({"id":"p1","on":true})")), done);
+    EXPECT_EQ(BodyOf(Post("/sim/v1/switches", R"({"id":"p1","name":"S 2","on":false})")), done);
     EXPECT_EQ(Kept("mainSwitch"), "true");
-    EXPECT_EQ(Kept("off"), "false");
+    EXPECT_EQ(Kept("switches"), R"({"S 2":false})");
+    EXPECT_EQ(BodyOf(Post("/sim/v1/forget", R"({"id":"p1"})")), done);
+    EXPECT_EQ(JsonText(State(server.Port())["payloads"]), "[]");
+    EXPECT_EQ(Post("/sim/v1/forget", R"({"id":"p1"})"),
+              ReplyText("404 Not Found", "text/plain", "There is no such payload\n"));
 }
 
-TEST_F(Control, ScriptAnswersCannedTextAndRunsNothing) {
-    const std::string mark = folder.path + "/mark";
-    EXPECT_EQ(Get("/xp?op=script&id=p1&cmd=touch%20" + mark),
-              ReplyText("200 OK", "text/plain",
-                        "simulated output of 'touch " + mark + "'\nnothing was run\n"));
-    EXPECT_FALSE(std::filesystem::exists(mark));
-    EXPECT_EQ(BodyOf(Get("/xp?op=script&id=p1&cmd=a%0Ab")),
-              "simulated output of 'a\\x0Ab'\nnothing was run\n");
+TEST_F(Control, OrdersTheVehicle) {
+    Post("/sim/v1/vehicle", R"({"latitude":10,"longitude":20,"speedMetresPerSecond":0})");
+    Json::Value vehicle = State(server.Port())["vehicle"];
+    EXPECT_NEAR(vehicle["latitude"].asDouble(), 10, 1e-9);
+    EXPECT_NEAR(vehicle["longitude"].asDouble(), 20, 1e-9);
+    EXPECT_EQ(JsonText(vehicle["error"]), "null");
+    Post("/sim/v1/vehicle", R"({"error":"no satellites"})");
+    EXPECT_EQ(JsonText(State(server.Port())["vehicle"]["error"]), "\"no satellites\"");
+    const Json::Value poll =
+        ParsedJson(BodyOf(Get("/xp?op=poll&id=p1&format=2&gps=true&maxcommands=0&timeout=0")));
+    EXPECT_EQ(JsonText(poll["gps"]["error"]), "\"no satellites\"");
+    Post("/sim/v1/vehicle", R"({"error":null,"waypoints":[[1,2],[1.5,2.5]]})");
+    vehicle = State(server.Port())["vehicle"];
+    EXPECT_EQ(JsonText(vehicle["error"]), "null");
+    EXPECT_NEAR(vehicle["latitude"].asDouble(), 1, 1e-9);
+    EXPECT_EQ(vehicle["track"].size(), 2U);
 }
 
-TEST_F(Control, MetaDoneCompletesTheRegistration) {
-    Upload("/xp?op=meta&id=p1", "", "t");
-    EXPECT_EQ(Kept("registrationComplete"), "false");
-    EXPECT_EQ(Get("/xp?op=metadone&id=p1"), okReply);
-    EXPECT_EQ(Kept("registrationComplete"), "true");
+TEST_F(Control, RunsTheClock) {
+    EXPECT_EQ(ParsedJson(BodyOf(Post("/sim/v1/clock", R"({"speed":0})")))["speed"].asDouble(), 0);
+    const double before = State(server.Port())["clock"]["unixSeconds"].asDouble();
+    Post("/sim/v1/clock", R"({"stepSeconds":3600})");
+    EXPECT_EQ(State(server.Port())["clock"]["unixSeconds"].asDouble(), before + 3600);
 }
 
-TEST_F(Control, OffDelayMovesAShutdownThatIsDue) {
-    const std::string poll = "/xp?op=poll&id=p1&format=2&shutdown=true&timeout=0";
-    Post("/sim/shutdown", R"({"id":"p1","inSeconds":0})");
-    EXPECT_EQ(BodyOf(Get(poll)), "{\"shutdown\":true}\n");
-    EXPECT_EQ(Get("/xp?op=offdelay&id=p1&delay=1000&setdefault=0"), okReply);
-    EXPECT_EQ(BodyOf(Get(poll)), "{\"timeout\":true}\n");
-    EXPECT_EQ(Get("/xp?op=offdelay&id=p1&delay=-2000&setdefault=0"), okReply);
-    EXPECT_EQ(BodyOf(Get(poll)), "{\"shutdown\":true}\n");
-    EXPECT_EQ(Get("/xp?op=offdelay&id=other&delay=5&setdefault=0"), okReply);
+TEST_F(Control, AnsweredScriptsFollowTheirRule) {
+    Post("/sim/v1/scripts", R"({"match":"df *","output":"{id}: {command} is full\n"})");
+    EXPECT_EQ(BodyOf(Get("/xp?op=script&id=p1&cmd=df%20-h")), "p1: df -h is full\n");
+    EXPECT_EQ(BodyOf(Get("/xp?op=script&id=p1&cmd=ls")),
+              "simulated output of 'ls'\nnothing was run\n");
+    EXPECT_EQ(Kept("scripts"),
+              R"([{"command":"df -h","output":"p1: df -h is full\n"},)"
+              R"({"command":"ls","output":"simulated output of 'ls'\nnothing was run\n"}])");
 }
 
-TEST_F(Control, RefusesBadRequestsWithStatusAndOneLine) {
-    const std::pair<std::string, std::string> cases[] = {
-        {"/xp", "Parameter 'op' is missing"},
-        {"/xp?op=", "Parameter 'op' is empty"},
-        {"/xp?op=off", "Parameter 'id' is missing"},
-        {"/xp?op=off&id=", "Parameter 'id' is empty"},
-        {"/xp?op=off&id=%4", "The request target has a broken escape"},
-        {"/xp?op=metadone", "Parameter 'id' is missing"},
-        {"/xp?op=pwr&id=p1", "Parameter 'cmd' is missing"},
-        {"/xp?op=pwr&cmd=on", "Parameter 'id' is missing"},
-        {"/xp?op=pwr&id=p1&cmd=ON", "Parameter 'cmd' must be on or off, not 'ON'"},
-        {"/xp?op=pwr&id=p1&cmd=a%0D%0Ab", "Parameter 'cmd' must be on or off, not 'a\\x0D\\x0Ab'"},
-        {"/xp?op=pwr&id=p1&sw=&cmd=on", "Parameter 'sw' is empty"},
-        {"/xp?op=script&id=p1", "Parameter 'cmd' is missing"},
-        {"/xp?op=offdelay&id=p1", "Parameter 'delay' is missing"},
-        {"/xp?op=offdelay&id=p1&delay=1.5", "Parameter 'delay' is not a usable number: '1.5'"},
-    };
-    for (const auto& [target, line] : cases) {
-        EXPECT_EQ(Get(target), ReplyText("400 Bad Request", "text/plain", line + "\n")) << target;
+TEST_F(Control, ArmsAFaultForTheNextReplyOfAnOperation) {
+    const Json::Value armed =
+        ParsedJson(BodyOf(Post("/sim/v1/faults", R"({"fault":"status-404","operation":"off"})")));
+    EXPECT_EQ(JsonText(armed), R"({"count":1,"fault":"status-404","hits":0,"number":1,)"
+                               R"("operation":"off","probability":null})");
+    EXPECT_EQ(Get("/xp?op=pwr&id=p1&cmd=on"), okReply);
+    EXPECT_EQ(StatusLine(Get("/xp?op=off&id=p1")), "HTTP/1.1 404 Not Found");
+    EXPECT_EQ(Get("/xp?op=off&id=p1"), okReply);
+    const Json::Value traffic = ParsedJson(BodyOf(Get("/sim/v1/traffic")))["exchanges"];
+    EXPECT_EQ(JsonText(traffic[0]["fault"]), "null");
+    EXPECT_EQ(JsonText(traffic[1]["fault"]), "\"status-404\"");
+    EXPECT_EQ(JsonText(State(server.Port())["faults"]), "[]");
+}
+
+TEST_F(Control, DisarmsFaults) {
+    for (int i = 0; i < 3; ++i) {
+        Post("/sim/v1/faults", R"({"fault":"no-reply","probability":1})");
     }
-    EXPECT_EQ(State(server.Port())->getArray("payloads")->size(), 0U);
+    const auto request = [](const std::string& method, const std::string& target) {
+        return method + " " + target + " HTTP/1.1\r\nHost: localhost\r\nConnection: close\r\n\r\n";
+    };
+    EXPECT_EQ(BodyOf(Exchange(server.Port(), request("DELETE", "/sim/v1/faults?number=2"))), done);
+    EXPECT_EQ(BodyOf(Exchange(server.Port(), request("DELETE", "/sim/v1/faults?number=2"))),
+              "There is no armed fault of this number\n");
+    EXPECT_EQ(State(server.Port())["faults"].size(), 2U);
+    EXPECT_EQ(BodyOf(Exchange(server.Port(), request("DELETE", "/sim/v1/faults"))), done);
+    EXPECT_EQ(Get("/xp?op=off&id=p1"), okReply);
+    EXPECT_EQ(StatusLine(Exchange(server.Port(), request("DELETE", "/sim/v1/state"))),
+              "HTTP/1.1 405 Method Not Allowed");
+}
+
+TEST_F(Control, RefusesBadJson) {
+    const std::pair<std::string, std::string> commands[] = {
+        {"", "The body is not valid JSON"},
+        {"{", "The body is not valid JSON"},
+        {"{} x", "The body is not valid JSON"},
+        {"[1]", "The body is not a JSON object"},
+        {"{}", "Member 'id' must be a string"},
+        {R"({"id":"p","command":"c","tga":"t"})", "Member 'tga' is not known here"},
+        {R"({"id":7,"tag":"t","command":"c"})", "Member 'id' must be a string"},
+        {R"({"id":"","tag":"t","command":"c"})", "Member 'id' is empty"},
+        {R"({"id":"p","tag":"t","command":null})", "Member 'command' must be a string"},
+        {R"({"id":"p","tag":"t","command":"c","isFile":1})",
+         "Member 'isFile' must be true or false"},
+        {R"({"id":"p","tag":"'\"","command":"c"})", "The tag contains both kinds of quotes"},
+    };
+    for (const auto& [body, line] : commands) {
+        EXPECT_EQ(Post("/sim/v1/commands", body),
+                  ReplyText("400 Bad Request", "text/plain", line + "\n"))
+            << body;
+    }
+    for (const char* const seconds : {"-1", "\"5\"", "true", "null", "1e300"}) {
+        EXPECT_EQ(BodyOf(Post("/sim/v1/shutdown",
+                              std::string(R"({"id":"p","inSeconds":)") + seconds + "}")),
+                  "Member 'inSeconds' must be a number from 0.0 to 1000000000.0\n")
+            << seconds;
+    }
+    EXPECT_EQ(StatusLine(Post("/sim/v1/commands", std::string(1024 * 1024 + 1, ' '))),
+              "HTTP/1.1 413 Request Entity Too Large");
+    EXPECT_EQ(StatusLine(Post("/sim/v1/commands", std::string(100000, '['))),
+              "HTTP/1.1 400 Bad Request");
+    EXPECT_EQ(State(server.Port())["payloads"].size(), 0U);
 }
 
 TEST_F(Control, RefusesUnknownTargetsAndMethods) {
-    EXPECT_EQ(Get("/xp?op=Off&id=p1"),
-              ReplyText("404 Not Found", "text/plain", "Unknown operation 'Off'\n"));
-    EXPECT_EQ(Get("/"), ReplyText("404 Not Found", "text/plain",
-                                  "Nothing is served here; see /xp and /sim/\n"));
-    const std::pair<const char*, const char*> methods[] = {
-        {"off", "GET"},      {"pwr", "GET"},   {"script", "GET"},     {"metadone", "GET"},
-        {"offdelay", "GET"}, {"poll", "GET"},  {"jar", "POST"},       {"reply", "POST"},
-        {"upload", "POST"},  {"meta", "POST"}, {"rawpacket", "POST"}, {"uploadlegacy", "POST"}};
-    for (const auto& [operation, method] : methods) {
-        const std::string target = std::string("/xp?op=") + operation + "&id=p1";
-        const std::string line = std::string("This takes the method ") + method + " only\n";
-        EXPECT_EQ(std::string(method) == "GET" ? Upload(target, "f", "n") : Get(target),
-                  "HTTP/1.1 405 Method Not Allowed\r\nConnection: Close\r\nAllow: " +
-                      std::string(method) + "\r\nContent-Type: text/plain\r\nContent-Length: " +
-                      std::to_string(line.size()) + "\r\n\r\n" + line)
-            << operation;
+    EXPECT_EQ(Get("/sim/v1/nothing"),
+              ReplyText("404 Not Found", "text/plain", "Nothing is steered here\n"));
+    EXPECT_EQ(StatusLine(Get("/sim/v1/commands")), "HTTP/1.1 405 Method Not Allowed");
+    EXPECT_EQ(StatusLine(Post("/sim/v1/state", "{}")), "HTTP/1.1 405 Method Not Allowed");
+    EXPECT_EQ(StatusLine(Post("/sim/v1/files/x", "{}")), "HTTP/1.1 405 Method Not Allowed");
+}
+
+TEST_F(Control, RefusesOtherSitesPages) {
+    const auto get = [&](const std::string& headers) {
+        return BodyOf(Exchange(server.Port(), "GET /sim/v1/registration?id=x HTTP/1.1\r\n" +
+                                                  headers + "Connection: close\r\n\r\n"));
+    };
+    const char own[] = "This payload is not registered\n";
+    EXPECT_EQ(get("Host: localhost:8080\r\n"), own);
+    EXPECT_EQ(get("Host: [::1]:8080\r\n"), own);
+    EXPECT_EQ(get("Host: 127.0.0.1:1\r\nOrigin: http://127.0.0.1:1\r\n"), own);
+    const char foreign[] = "Requests from another site's page are refused\n";
+    EXPECT_EQ(get("Host: 127.0.0.1:1\r\nOrigin: http://127.0.0.1:2\r\n"), foreign);
+    EXPECT_EQ(get("Host: localhost\r\nOrigin: null\r\n"), foreign);
+    EXPECT_EQ(get("Host: rebound.example\r\nOrigin: http://rebound.example\r\n"),
+              "Use the server's address, or localhost, as its name\n");
+}
+
+TEST_F(Control, TrafficShowsThePayloadsExchangesInOrderWithTheirExactBytes) {
+    const std::string request = GetText("/xp?op=off&id=p1");
+    Exchange(server.Port(), request);
+    Get("/sim/v1/state");
+    const std::string upload = UploadText("/xp?op=nothing", "f", "n");
+    const std::string reply = Exchange(server.Port(), upload);
+    const Json::Value exchanges = ParsedJson(BodyOf(Get("/sim/v1/traffic")))["exchanges"];
+    ASSERT_EQ(exchanges.size(), 2U);
+    const Json::Value& first = exchanges[0];
+    EXPECT_EQ(first["time"].asString().size(), 24U);
+    EXPECT_EQ(first["peer"].asString().rfind("127.0.0.1:", 0), 0U);
+    EXPECT_EQ(first["target"].asString(), "/xp?op=off&id=p1");
+    EXPECT_EQ(first["operation"].asString(), "off");
+    EXPECT_EQ(JsonText(first["ids"]), "[\"p1\"]");
+    EXPECT_EQ(first["requestBytes"].asUInt(), request.size());
+    const Json::Value& second = exchanges[1];
+    EXPECT_EQ(second["number"].asUInt(), 2U);
+    EXPECT_EQ(second["method"].asString(), "POST");
+    EXPECT_EQ(second["status"].asInt(), 404);
+    EXPECT_EQ(second["requestBytes"].asUInt(), upload.size());
+    EXPECT_EQ(BodyOf(Get("/sim/v1/traffic/1/request")), request);
+    EXPECT_EQ(BodyOf(Get("/sim/v1/traffic/2/request")), upload);
+    EXPECT_EQ(BodyOf(BodyOf(Get("/sim/v1/traffic/2/reply"))), BodyOf(reply));
+    EXPECT_EQ(BodyOf(Get("/sim/v1/traffic/3/reply")), "No such exchange is kept\n");
+}
+
+TEST_F(Control, TrafficShowsWhatWasNoRequestAtAll) {
+    Exchange(server.Port(), "SSH-2.0-client\r\n\r\n");
+    while (world.traffic.Entries().empty()) {
     }
+    const Json::Value exchange = ParsedJson(BodyOf(Get("/sim/v1/traffic")))["exchanges"][0];
+    EXPECT_EQ(JsonText(exchange["flags"]), "[\"not an HTTP request\"]");
+    EXPECT_EQ(BodyOf(Get("/sim/v1/traffic/1/request")), "SSH-2.0-client\r\n\r\n");
 }
 
-TEST_F(Control, RefusesBrokenFrames) {
-    EXPECT_EQ(StatusLine(Exchange(server.Port(), "GET /xp?op=off&id=a b HTTP/1.1\r\n\r\n")),
-              "HTTP/1.1 400 Bad Request");
-    EXPECT_EQ(StatusLine(Exchange(server.Port(), "GET /xp?op=off&id=a HTTP/2.0\r\n\r\n")),
-              "HTTP/1.1 400 Bad Request");
-    EXPECT_EQ(StatusLine(Exchange(server.Port(), "POST /xp?op=meta HTTP/1.1\r\nHost: v\r\n\r\n")),
-              "HTTP/1.1 411 Length Required");
-    EXPECT_EQ(StatusLine(Exchange(server.Port(), "GET /xp?op=off&id=" + std::string(20000, 'x') +
-                                                     " HTTP/1.1\r\n\r\n")),
-              "HTTP/1.1 400 Bad Request");
-}
-
-TEST_F(Control, AConnectionServesOneRequestAfterTheOther) {
-    const std::string refusal = "Unknown operation 'x'\n";
-    const std::string form = FormText("left unread", "n");
-    Connection connection(server.Port());
-    connection.Send("POST /xp?op=x HTTP/1.1\r\nHost: v\r\nContent-Length: " +
-                    std::to_string(form.size()) + "\r\n\r\n" + form + GetText("/xp?op=off&id=p1"));
-    EXPECT_EQ(StatusLine(connection.ReadAll()), "HTTP/1.1 404 Not Found");
-    EXPECT_EQ(Kept("off"), "true");
+TEST_F(Control, FilesAreFetchedByTheirKeptNameOnly) {
+    WriteFile(folder.path + "/secret", "secret");
+    Upload("/xp?op=upload&id=p1", "", "empty.txt");
+    EXPECT_EQ(StatusLine(Get("/sim/v1/files/empty.txt")), "HTTP/1.1 200 OK");
+    EXPECT_EQ(BodyOf(Get("/sim/v1/files/empty.txt")), "");
+    for (const char* const name : {"", "../secret", "..%2Fsecret", "%2e%2e/secret", "missing"}) {
+        EXPECT_EQ(Get(std::string("/sim/v1/files/") + name),
+                  ReplyText("404 Not Found", "text/plain", "No such file is kept\n"))
+            << name;
+    }
 }
 
 } // namespace

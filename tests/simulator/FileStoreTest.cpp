@@ -1,4 +1,4 @@
-#include "FileStore.h"
+#include "model/FileStore.h"
 #include "support/Wire.h"
 
 namespace Brenmoor {

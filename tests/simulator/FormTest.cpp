@@ -1,4 +1,4 @@
-#include "Form.h"
+#include "wire/Form.h"
 #include "support/Wire.h"
 
 namespace Brenmoor {
@@ -13,7 +13,7 @@ std::string Read(const std::string& body,
                  std::size_t limit = 1000) {
     std::istringstream in(body);
     Request request("POST", "/xp", in);
-    request.contentType = type;
+    request.headers = {{"Content-Type", type}};
     std::ostringstream file;
     try {
         const std::string fileName = ReadForm(request, file, limit);
@@ -77,8 +77,9 @@ TEST(Form, RefusesBrokenForms) {
     EXPECT_EQ(Read(Part("a: " + std::string(9000, 'x'), "") + end),
               "400 A form part has an overlong header line");
     EXPECT_EQ(Read(FormText("12345", "n"), "multipart/form-data; boundary=BOUNDARY", 4),
-              "413 A form part is too large");
-    EXPECT_EQ(Read(FormText("12345", std::string(65537, 'n'))), "413 A form part is too large");
+              "413 Form part is larger than 4 bytes");
+    EXPECT_EQ(Read(FormText("12345", std::string(65537, 'n'))),
+              "413 Form part is larger than 65536 bytes");
     for (const char* const type : {"", "text/plain", "multipart/form-data", "application/json"}) {
         EXPECT_EQ(Read(FormText("f", "n"), type),
                   "400 The content is not a multipart form with a boundary");
@@ -95,7 +96,7 @@ TEST(Form, TextLosesExactlyItsLastZeroByte) {
     for (const auto& [sent, text] : texts) {
         std::istringstream in(FormText(sent, "n"));
         Request request("POST", "/xp", in);
-        request.contentType = "multipart/form-data; boundary=BOUNDARY";
+        request.headers = {{"content-type", "multipart/form-data; boundary=BOUNDARY"}};
         EXPECT_EQ(ReadTextForm(request), text);
     }
 }

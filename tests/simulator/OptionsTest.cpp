@@ -1,4 +1,4 @@
-#include "Options.h"
+#include "program/Options.h"
 
 #include <gtest/gtest.h>
 
@@ -9,46 +9,61 @@ namespace Testing {
 namespace {
 
 std::string Complaint(const std::vector<std::string>& arguments) {
-    try {
-        ParseOptions(arguments);
-    } catch (const BadOption& bad) {
-        return bad.what();
-    }
-    return "none";
+    return ParseOptions(arguments).error;
 }
 
 TEST(Options, Defaults) {
-    const Options options = ParseOptions({});
+    const Options options = ParseOptions({}).options;
     EXPECT_EQ(options.port, 8080);
     EXPECT_EQ(options.address, "127.0.0.1");
-    EXPECT_EQ(options.dataFolder, "tavo-data");
+    EXPECT_EQ(options.settings.dataFolder, "tavo-data");
+    EXPECT_EQ(options.settings.clockSpeed, 1);
+    EXPECT_EQ(options.settings.mostPayloads, 1000U);
     EXPECT_EQ(options.portFile, "");
-    EXPECT_FALSE(options.quiet || options.help || options.version);
+    EXPECT_EQ(options.print, "");
+    EXPECT_FALSE(options.quiet);
 }
 
 TEST(Options, ValuesFollowAsArgumentOrBehindEquals) {
     const Options options =
-        ParseOptions({"--port", "0", "--address=::1", "--data=a=b", "--port-file", "p", "--quiet"});
+        ParseOptions({"--port", "0", "--bind=::1", "--data=a=b", "--port-file", "p", "--quiet",
+                      "--speed", "60", "--start", "1e9", "--seed", "7", "--max-payloads", "3",
+                      "--max-upload", "100"})
+            .options;
     EXPECT_EQ(options.port, 0);
     EXPECT_EQ(options.address, "::1");
-    EXPECT_EQ(options.dataFolder, "a=b");
+    EXPECT_EQ(options.settings.dataFolder, "a=b");
     EXPECT_EQ(options.portFile, "p");
     EXPECT_TRUE(options.quiet);
-    EXPECT_TRUE(ParseOptions({"--help"}).help);
-    EXPECT_TRUE(ParseOptions({"--version"}).version);
+    EXPECT_EQ(options.settings.clockSpeed, 60);
+    EXPECT_EQ(options.settings.startUnixSeconds, 1e9);
+    EXPECT_EQ(options.settings.seed, 7U);
+    EXPECT_EQ(options.settings.mostPayloads, 3U);
+    EXPECT_EQ(options.settings.mostUploadBytes, 100U);
+    EXPECT_EQ(ParseOptions({"--address", "::1"}).options.address, "::1");
 }
 
 TEST(Options, SaysWhatIsWrong) {
-    for (const char* const port : {"65536", "-1", "x", "80x", " 80"}) {
+    for (const char* const port : {"65536", "-1", "x", "80x"}) {
         EXPECT_EQ(Complaint({"--port", port}),
-                  std::string("--port needs a number from 0 to 65535, not '") + port + "'");
+                  std::string("Could not convert: --port = ") + port + "; see --help");
     }
-    EXPECT_EQ(Complaint({"--address", "vehicle"}), "--address needs an IP address, not 'vehicle'");
-    EXPECT_EQ(Complaint({"--data"}), "--data needs a value");
-    EXPECT_EQ(Complaint({"--data="}), "--data needs a value");
-    EXPECT_EQ(Complaint({"--por", "1"}), "unknown option '--por'; see --help");
-    EXPECT_EQ(Complaint({"--quiet=1"}), "unknown option '--quiet=1'; see --help");
-    EXPECT_EQ(Complaint({"stray"}), "unknown option 'stray'; see --help");
+    EXPECT_EQ(Complaint({"--bind", "vehicle"}), "--bind: not an IP address: vehicle; see --help");
+    EXPECT_EQ(Complaint({"--data"}), "--data: 1 required DIR missing; see --help");
+    EXPECT_EQ(Complaint({"--speed", "-1"}),
+              "--speed: Value -1 not in range 0.000000 to 100000.000000; see --help");
+    EXPECT_EQ(Complaint({"--por", "1"}),
+              "The following arguments were not expected: 1 --por; see --help");
+    EXPECT_EQ(Complaint({"stray"}), "The following argument was not expected: stray; see --help");
+}
+
+TEST(Options, FaultsAreListedByGroupWithOneLineEach) {
+    const std::string list = ParseOptions({"faults"}).options.print;
+    EXPECT_EQ(list.rfind("status line\n  no-reply ", 0), 0U) << list;
+    for (const Fault& fault : FaultCatalogue()) {
+        EXPECT_NE(list.find(std::string("  ") + fault.name + " "), std::string::npos);
+        EXPECT_NE(list.find(std::string("  ") + fault.summary + "\n"), std::string::npos);
+    }
 }
 
 } // namespace

@@ -1,10 +1,9 @@
-#include "EscapedText.h"
-#include "Exchange.h"
-#include "ExchangeHandler.h"
-#include "Journal.h"
-#include "Json.h"
-#include "Vehicle.h"
+#include "model/Traffic.h"
 #include "support/Wire.h"
+#include "wire/EscapedText.h"
+#include "wire/Exchange.h"
+#include "wire/ExchangeHandler.h"
+#include "wire/Json.h"
 
 #include <chrono>
 #include <gtest/gtest.h>
@@ -48,48 +47,41 @@ TEST(EscapedText, RefusesWhatEscapeCannotHaveMade) {
               "400 An unprintable byte stands unescaped at offset 1");
 }
 
-TEST(Vehicle, TakesANewFixOnceASecondAndSailsACircle) {
-    const Vehicle vehicle;
-    EXPECT_EQ(vehicle.FixAt(0).number, 0);
-    EXPECT_EQ(vehicle.FixAt(0.999).number, 0);
-    EXPECT_EQ(vehicle.FixAt(7.0).number, 7);
-    EXPECT_EQ(vehicle.TimeOfFix(7), 7.0);
-    EXPECT_DOUBLE_EQ(vehicle.FixAt(0).latitudeDegrees, 57.509);
-    EXPECT_DOUBLE_EQ(vehicle.FixAt(0).longitudeDegrees, 2.0);
-    EXPECT_DOUBLE_EQ(vehicle.FixAt(1200).latitudeDegrees, 57.491);
-    EXPECT_DOUBLE_EQ(vehicle.FixAt(0.5).latitudeDegrees, vehicle.FixAt(0).latitudeDegrees);
-    EXPECT_NE(vehicle.FixAt(1).longitudeDegrees, vehicle.FixAt(0).longitudeDegrees);
-    EXPECT_EQ(Vehicle(0.25).FixAt(1).number, 4);
-}
-
-TEST(Journal, NumbersEntriesAndDropsTheOldest) {
-    Journal journal(2);
+TEST(Traffic, NumbersEntriesAndDropsTheOldestThatHasEnded) {
+    Changes changes;
+    Traffic traffic(changes, 2);
     for (const char* const target : {"/a", "/b", "/c"}) {
-        JournalEntry entry;
+        TrafficEntry entry;
         entry.target = target;
-        journal.Add(entry);
+        entry.open = entry.target == "/a";
+        traffic.Begin(entry);
     }
-    const auto entries = journal.Entries();
+    const auto entries = traffic.Entries();
     ASSERT_EQ(entries.size(), 2U);
-    EXPECT_EQ(entries[0].number, 2U);
-    EXPECT_EQ(entries[0].target, "/b");
+    EXPECT_EQ(entries[0].number, 1U);
+    EXPECT_EQ(entries[0].target, "/a");
     EXPECT_EQ(entries[1].number, 3U);
     EXPECT_EQ(entries[1].target, "/c");
 }
 
-TEST(Journal, LineIsOneReadableLine) {
-    JournalEntry entry;
-    entry.time = "2026-01-02T03:04:05.678Z";
+TEST(Traffic, LineIsOneReadableLine) {
+    const auto recording = std::make_shared<Recording>();
+    recording->AddReceived("abc", 3);
+    recording->AddSent("de", 2);
+    TrafficEntry entry;
     entry.peer = "127.0.0.1:4711";
     entry.method = "GET";
     entry.target = "/xp?op=off\x1b[2J";
     entry.status = 200;
     entry.reason = "OK";
-    entry.requestBytes = 3;
-    entry.replyBytes = 2;
-    entry.seconds = 1.5;
-    EXPECT_EQ(Line(entry), "2026-01-02T03:04:05.678Z 127.0.0.1:4711 GET /xp?op=off\\x1B[2J "
-                           "(3 bytes) -> 200 OK (2 bytes) after 1.500 s");
+    entry.durationSeconds = 1.5;
+    entry.recording = recording;
+    EXPECT_EQ(LineText(entry, "2026-01-02T03:04:05.678Z"),
+              "2026-01-02T03:04:05.678Z 127.0.0.1:4711 GET /xp?op=off\\x1B[2J "
+              "(3 bytes) -> 200 OK (2 bytes) after 1.500 s");
+    entry.fault = "silence";
+    entry.flags = {"odd"};
+    EXPECT_EQ(LineText(entry, "now").substr(70), " after 1.500 s fault: silence flag: odd");
 }
 
 TEST(Request, DecodesParametersInOrder) {
@@ -123,7 +115,7 @@ TEST(Request, ReadsNumbersAndFlagsExactly) {
 
 TEST(ExchangeDesk, WaitsForTheExchangesUnderWayAndNoLonger) {
     const TempFolder folder;
-    World world(folder.path);
+    World world(SettingsIn(folder.path));
     ExchangeDesk desk(world, nullptr);
     desk.WaitUntilIdle(std::chrono::hours(1));
     desk.Begin();
@@ -133,14 +125,6 @@ TEST(ExchangeDesk, WaitsForTheExchangesUnderWayAndNoLonger) {
     std::thread waiter([&] { desk.WaitUntilIdle(std::chrono::hours(1)); });
     desk.End();
     waiter.join();
-}
-
-TEST(Json, ReplacesInvalidUtf8) {
-    EXPECT_EQ(JsonText("caf\xc3\xa9"), "caf\xc3\xa9");
-    EXPECT_EQ(JsonText("a\xff\xfe"), "a??");
-    EXPECT_EQ(JsonText(std::string("a\0b", 3)), std::string("a\0b", 3));
-    const std::string cut = JsonText("a\xc3");
-    EXPECT_EQ(JsonText(cut), cut);
 }
 
 } // namespace

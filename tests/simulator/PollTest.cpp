@@ -1,4 +1,4 @@
-#include "Poll.h"
+#include "operations/Poll.h"
 #include "support/Wire.h"
 
 #include <memory>
@@ -19,19 +19,19 @@ protected:
 };
 
 TEST_F(Poll, BringsCommandsAsTheClientDecodesThem) {
-    Post("/sim/command", R"({"id":"p1","tag":"t17","command":"reboot now"})");
-    Post("/sim/command", R"({"id":"p1","tag":"it's","command":"'quoted' \"text\""})");
-    Post("/sim/command", R"({"id":"p2","tag":"","command":"/var/log/a.txt","isFile":true})");
-    Post("/sim/command", R"({"id":"p2","tag":"u","command":"","isFile":false})");
+    Post("/sim/v1/commands", R"({"id":"p1","tag":"t17","command":"reboot now"})");
+    Post("/sim/v1/commands", R"({"id":"p1","tag":"it's","command":"'quoted' \"text\""})");
+    Post("/sim/v1/commands", R"({"id":"p2","tag":"","command":"/var/log/a.txt","isFile":true})");
+    Post("/sim/v1/commands", R"({"id":"p2","tag":"u","command":"","isFile":false})");
     EXPECT_EQ(Get("/xp?op=poll&id=p1&format=2&timeout=0"),
               ReplyText("200 OK", "application/json",
-                        "{\"commands\":[{\"id\":\"p1\",\"command\":\"'t17'reboot now\"}]}\n"));
+                        "{\"commands\":[{\"command\":\"'t17'reboot now\",\"id\":\"p1\"}]}\n"));
     EXPECT_EQ(PollBody("&id=p2&id=p1&format=2&maxcommands=2&timeout=0"),
-              "{\"commands\":[{\"id\":\"p2\",\"command\":\"file:''/var/log/a.txt\"},"
-              "{\"id\":\"p2\",\"command\":\"'u'\"}]}\n");
+              "{\"commands\":[{\"command\":\"file:''/var/log/a.txt\",\"id\":\"p2\"},"
+              "{\"command\":\"'u'\",\"id\":\"p2\"}]}\n");
     EXPECT_EQ(PollBody("&id=p2&id=p1&format=2&maxcommands=2&timeout=0"),
-              "{\"commands\":[{\"id\":\"p1\",\"command\":"
-              "\"\\\"it's\\\"'quoted' \\\"text\\\"\"}]}\n");
+              "{\"commands\":[{\"command\":"
+              "\"\\\"it's\\\"'quoted' \\\"text\\\"\",\"id\":\"p1\"}]}\n");
 }
 
 TEST_F(Poll, SaysTimeoutWhenItsTimeIsUp) {
@@ -42,27 +42,27 @@ TEST_F(Poll, SaysTimeoutWhenItsTimeIsUp) {
 }
 
 TEST_F(Poll, ZeroOrNegativeMaxCommandsTakesNone) {
-    Post("/sim/command", R"({"id":"p1","tag":"t","command":"c"})");
+    Post("/sim/v1/commands", R"({"id":"p1","tag":"t","command":"c"})");
     EXPECT_EQ(PollBody("&id=p1&format=2&maxcommands=0&timeout=0"), timeoutBody);
     EXPECT_EQ(PollBody("&id=p1&format=2&maxcommands=-5&timeout=0"), timeoutBody);
-    EXPECT_EQ(Kept("commands"), R"([{"tag":"t","command":"c","isFile":false,"state":"queued"}])");
+    EXPECT_EQ(FirstPayload(server.Port())["commands"][0]["state"].asString(), "queued");
 }
 
 TEST_F(Poll, BringsThePositionWithItsTime) {
-    const auto gps =
-        Json(PollBody("&id=p1&format=2&gps=true&maxcommands=0&timeout=0"))->getObject("gps");
-    EXPECT_EQ(gps->getNames(), (std::vector<std::string>{"latitude", "longitude", "timeFix"}));
-    EXPECT_NEAR(gps->getValue<double>("latitude"), 57.5, 0.0091);
-    EXPECT_NEAR(gps->getValue<double>("longitude"), 2.0, 0.018);
+    const Json::Value gps =
+        ParsedJson(PollBody("&id=p1&format=2&gps=true&maxcommands=0&timeout=0"))["gps"];
+    EXPECT_EQ(gps.getMemberNames(), (std::vector<std::string>{"latitude", "longitude", "timeFix"}));
+    EXPECT_NEAR(gps["latitude"].asDouble(), 57.5, 0.02);
+    EXPECT_NEAR(gps["longitude"].asDouble(), 2.0, 0.03);
     const double now = world.clock.UnixSeconds(world.clock.Seconds());
-    EXPECT_LE(gps->getValue<double>("timeFix"), now);
-    const auto next =
-        Json(PollBody("&id=p1&format=2&gps=true&maxcommands=0&timeout=30000"))->getObject("gps");
-    EXPECT_GE(next->getValue<double>("timeFix"), gps->getValue<double>("timeFix") + 0.999);
+    EXPECT_LE(gps["timeFix"].asDouble(), now);
+    const Json::Value next =
+        ParsedJson(PollBody("&id=p1&format=2&gps=true&maxcommands=0&timeout=30000"))["gps"];
+    EXPECT_GE(next["timeFix"].asDouble(), gps["timeFix"].asDouble() + 0.999);
 }
 
 TEST_F(Poll, TheLongestTimeoutIsTaken) {
-    Post("/sim/shutdown", R"({"id":"p1","inSeconds":0})");
+    Post("/sim/v1/shutdown", R"({"id":"p1","inSeconds":0})");
     EXPECT_EQ(PollBody("&id=p1&format=2&shutdown=true&timeout=9223372036854775807"),
               "{\"shutdown\":true}\n");
 }
@@ -96,16 +96,16 @@ TEST_F(Poll, HoldsTwoHundredAtOnceAndAnswersEachWithItsOwnCommand) {
     }
     AwaitHeldPolls(server.Port(), count);
     for (std::size_t i = 0; i < count; ++i) {
-        Post("/sim/command",
+        Post("/sim/v1/commands",
              "{\"id\":\"p" + std::to_string(i) + "\",\"tag\":\"t\",\"command\":\"go\"}");
     }
     for (std::size_t i = 0; i < count; ++i) {
         EXPECT_EQ(connections[i]->ReadAll(),
                   ReplyText("200 OK", "application/json",
-                            "{\"commands\":[{\"id\":\"p" + std::to_string(i) +
-                                "\",\"command\":\"'t'go\"}]}\n"));
+                            "{\"commands\":[{\"command\":\"'t'go\",\"id\":\"p" + std::to_string(i) +
+                                "\"}]}\n"));
     }
-    EXPECT_EQ(State(server.Port())->getValue<int>("heldPolls"), 0);
+    EXPECT_EQ(State(server.Port())["heldPolls"].asInt(), 0);
 }
 
 TEST_F(Poll, ACommandIsNotLostOnAPollerThatHasHungUp) {
@@ -114,13 +114,13 @@ TEST_F(Poll, ACommandIsNotLostOnAPollerThatHasHungUp) {
     AwaitHeldPolls(server.Port(), 1);
     gone.Close();
     AwaitHeldPolls(server.Port(), 0);
-    Post("/sim/command", R"({"id":"p1","tag":"t","command":"go"})");
+    Post("/sim/v1/commands", R"({"id":"p1","tag":"t","command":"go"})");
     EXPECT_EQ(PollBody("&id=p1&format=2&timeout=0"),
-              "{\"commands\":[{\"id\":\"p1\",\"command\":\"'t'go\"}]}\n");
+              "{\"commands\":[{\"command\":\"'t'go\",\"id\":\"p1\"}]}\n");
 }
 
 TEST_F(Poll, AStoppingServerAnswersHeldPolls) {
-    World other(folder.path + "/other");
+    World other(SettingsIn(folder.path + "/other"));
     auto stopping = std::make_unique<Server>(other, "127.0.0.1", std::uint16_t{0}, nullptr);
     Connection held(stopping->Port());
     held.Send(GetText("/xp?op=poll&id=p1&format=2&timeout=50000"));

@@ -34,14 +34,18 @@ TEST_F(Uploads, FilesAndJarsAreKeptUnchanged) {
     EXPECT_EQ(DataFile("log.bin"), content);
     EXPECT_EQ(DataFile("day_one.bin"), "zero");
     EXPECT_EQ(DataFile("code.jar"), std::string("PK\0", 3));
-    EXPECT_EQ(Kept("files"),
-              R"([{"operation":"upload","name":"log.bin","remote":"",)"
-              R"("fileName":"/home/payload/log.bin","size":1234567},)"
-              R"({"operation":"uploadlegacy","name":"day_one.bin","remote":"day/one.bin",)"
-              R"("fileName":"/x","size":4},)"
-              R"({"operation":"jar","name":"code.jar","remote":"",)"
-              R"("fileName":"/opt/code.jar","size":3}])");
-    EXPECT_EQ(BodyOf(Get("/sim/files/log.bin")), content);
+    Json::Value files = FirstPayload(server.Port())["files"];
+    files[0].removeMember("sha256");
+    EXPECT_EQ(JsonText(files),
+              R"([{"fileName":"/home/payload/log.bin","name":"log.bin","operation":"upload",)"
+              R"("remote":"","size":1234567},)"
+              R"({"fileName":"/x","name":"day_one.bin","operation":"uploadlegacy",)"
+              R"("remote":"day/one.bin","sha256":)"
+              R"("f9194e73f9e9459e3450ea10a179cdf77aafa695beecd3b9344a98d111622243","size":4},)"
+              R"({"fileName":"/opt/code.jar","name":"code.jar","operation":"jar","remote":"",)"
+              R"("sha256":"6afc01ee1b6ba4fdc00ce53fd0fcb0c751bb515ade6262bbb1bedbb984388d99",)"
+              R"("size":3}])");
+    EXPECT_EQ(BodyOf(Get("/sim/v1/files/log.bin")), content);
 }
 
 TEST_F(Uploads, HostileNamesNeverLeaveTheFolder) {
@@ -78,7 +82,7 @@ TEST_F(Uploads, ABrokenUploadLeavesNothing) {
     EXPECT_EQ(Upload("/xp?op=upload", "f", "n"),
               ReplyText("400 Bad Request", "text/plain", "Parameter 'id' is missing\n"));
     EXPECT_EQ(Entries(folder.path + "/data"), std::vector<std::string>{});
-    EXPECT_EQ(State(server.Port())->getArray("payloads")->size(), 0U);
+    EXPECT_EQ(State(server.Port())["payloads"].size(), 0U);
 }
 
 TEST_F(Uploads, AnUploadCutByHangingUpLeavesNothing) {
@@ -87,10 +91,10 @@ TEST_F(Uploads, AnUploadCutByHangingUpLeavesNothing) {
         Connection cut(server.Port());
         cut.Send(whole.substr(0, whole.size() / 2));
     }
-    while (world.journal.Entries().empty()) {
+    while (world.traffic.Entries().empty() || world.traffic.Entries()[0].open) {
         std::this_thread::yield();
     }
-    EXPECT_EQ(world.journal.Entries()[0].status, 400);
+    EXPECT_EQ(world.traffic.Entries()[0].status, 400);
     EXPECT_EQ(Entries(folder.path + "/data"), std::vector<std::string>{});
 }
 
@@ -109,34 +113,53 @@ TEST_F(Uploads, ChunkedUploadsAreTaken) {
 TEST_F(Uploads, PacketsAreTurnedBackIntoBytes) {
     EXPECT_EQ(Upload("/xp?op=rawpacket&id=p1", std::string("A\\x00\\\\\\xFF\0", 12), "t"), okReply);
     EXPECT_EQ(Upload("/xp?op=rawpacket&id=p1", std::string(1, '\0'), "t"), okReply);
-    EXPECT_EQ(Kept("packets"), R"([{"size":4,"hex":"41005CFF"},{"size":0,"hex":""}])");
+    EXPECT_EQ(
+        Kept("packets"),
+        R"([{"number":1,"size":4,"text":"A\\x00\\\\\\xFF"},{"number":2,"size":0,"text":""}])");
+    EXPECT_EQ(BodyOf(Get("/sim/v1/packets/1")), std::string("A\0\\\xFF", 4));
     EXPECT_EQ(Upload("/xp?op=rawpacket&id=p1", std::string("\\xZZ\0", 5), "t"),
               ReplyText("400 Bad Request", "text/plain",
                         "Two hexadecimal digits are missing at offset 2\n"));
 }
 
+/// The commands' numbers, states and outcomes.
+std::string Commands(std::uint16_t port) {
+    std::string text;
+    const Json::Value payload = FirstPayload(port);
+    for (const Json::Value& command : payload["commands"]) {
+        text += command["number"].asString() + " " + command["state"].asString() + " " +
+                JsonText(command["succeeded"]) + "\n";
+    }
+    return text;
+}
+
 TEST_F(Uploads, RepliesAreRecordedAndSettleTheirCommand) {
-    Post("/sim/command", R"({"id":"p1","tag":"t","command":"c"})");
+    Post("/sim/v1/commands", R"({"id":"p1","tag":"t","command":"c"})");
     Get("/xp?op=poll&id=p1&format=2&timeout=0");
     EXPECT_EQ(Upload("/xp?op=reply&id=p1&tag=t&complete=false", std::string("half\0", 5), "f"),
               okReply);
-    EXPECT_EQ(Kept("commands"),
-              R"([{"tag":"t","command":"c","isFile":false,"state":"delivered"}])");
+    EXPECT_EQ(Commands(server.Port()), "1 delivered null\n");
     EXPECT_EQ(Upload("/xp?op=reply&id=p1&tag=t&succeeded=false", std::string("done\0", 5), "f"),
               okReply);
-    EXPECT_EQ(Kept("commands"), R"([{"tag":"t","command":"c","isFile":false,"state":"answered"}])");
+    EXPECT_EQ(Commands(server.Port()), "1 answered false\n");
     EXPECT_EQ(Upload("/xp?op=reply&id=p1&tag=", "\xff", "f"), okReply);
-    EXPECT_EQ(Kept("answers"), R"([{"tag":"t","text":"half","complete":false,"succeeded":true},)"
-                               R"({"tag":"t","text":"done","complete":true,"succeeded":false},)"
-                               R"({"tag":"","text":"?","complete":true,"succeeded":true}])");
+    EXPECT_EQ(Kept("answers"),
+              R"([{"command":1,"complete":false,"number":2,"size":4,"succeeded":true,"tag":"t",)"
+              R"("text":"half"},)"
+              R"({"command":1,"complete":true,"number":3,"size":4,"succeeded":false,"tag":"t",)"
+              R"("text":"done"},)"
+              R"({"command":0,"complete":true,"number":4,"size":1,"succeeded":true,"tag":"",)"
+              R"("text":"\ufffd"}])");
+    EXPECT_EQ(BodyOf(Get("/sim/v1/answers/4")), "\xff");
     EXPECT_EQ(BodyOf(Upload("/xp?op=reply&id=p1", "x", "f")), "Parameter 'tag' is missing\n");
 }
 
 TEST_F(Uploads, RegistrationsAreKeptWithAllTheirMembers) {
-    const std::string members = "\"tag\":\"ctd\",\"boardAddress\":65535,"
-                                "\"hardware\":[{\"power\":12,\"tty\":\"\"}],\"own\":{\"x\":1.5}";
+    const std::string members = "\"boardAddress\":65535,\"hardware\":[{\"power\":12,\"tty\":\"\"}],"
+                                "\"own\":{\"x\":1.5},\"tag\":\"ctd\"";
     EXPECT_EQ(Upload("/xp?op=meta&id=p1&hostid=h", members + '\0', "t"), okReply);
     EXPECT_EQ(Kept("registration"), "{" + members + "}");
+    EXPECT_EQ(BodyOf(Get("/sim/v1/registration?id=p1")), "{" + members + "}\n");
     EXPECT_EQ(Kept("hostId"), "\"h\"");
     EXPECT_EQ(Upload("/xp?op=meta&id=p1", "{\"braces\":\"kept\"}", "t"), okReply);
     EXPECT_EQ(Kept("registration"), "{\"braces\":\"kept\"}");

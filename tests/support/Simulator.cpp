@@ -56,15 +56,6 @@ Json::Value Parsed(const std::string& text) {
     return value;
 }
 
-/// The bytes that a text of hexadecimal digits stands for.
-std::string Bytes(const std::string& digits) {
-    std::string bytes;
-    for (std::size_t i = 0; i < digits.size(); i += 2) {
-        bytes += static_cast<char>(std::stoi(digits.substr(i, 2), nullptr, 16));
-    }
-    return bytes;
-}
-
 } // namespace
 
 Simulator::Simulator(const std::string& ownFolder) : folder(ownFolder), program(Words(ownFolder)) {
@@ -88,7 +79,7 @@ void Simulator::QueueCommand(const std::string& id, const std::string& tag,
     body["tag"] = tag;
     body["command"] = command;
     body["isFile"] = isFile;
-    Post("command", body);
+    Post("commands", body);
 }
 
 void Simulator::ShutDown(const std::string& id, int inSeconds) const {
@@ -138,7 +129,7 @@ std::vector<std::string> Simulator::Packets(const std::string& id) const {
     std::vector<std::string> packets;
     const Json::Value payload = Payload(id);
     for (const Json::Value& packet : payload["packets"]) {
-        packets.push_back(Bytes(packet["hex"].asString()));
+        packets.push_back(Get("packets/" + packet["number"].asString()));
     }
     return packets;
 }
@@ -157,12 +148,12 @@ Json::Value Simulator::State() const {
 }
 
 std::string Simulator::Get(const std::string& target) const {
-    return Exchange("http://" + address + "/sim/" + target, nullptr);
+    return Exchange("http://" + address + "/sim/v1/" + target, nullptr);
 }
 
 void Simulator::Post(const std::string& target, const Json::Value& body) const {
     const std::string text = body.toStyledString();
-    Exchange("http://" + address + "/sim/" + target, &text);
+    Exchange("http://" + address + "/sim/v1/" + target, &text);
 }
 
 } // namespace Testing

@@ -1,11 +1,11 @@
 #include "support/Wire.h"
 
-#include <Poco/JSON/Parser.h>
-#include <Poco/JSON/Stringifier.h>
 #include <algorithm>
 #include <csignal>
 #include <cstdlib>
 #include <fstream>
+#include <json/reader.h>
+#include <json/writer.h>
 #include <sstream>
 #include <thread>
 
@@ -60,12 +60,12 @@ std::vector<std::string> Entries(const std::string& folder) {
 }
 
 std::string GetText(const std::string& target) {
-    return "GET " + target + " HTTP/1.1\r\nHost: vehicle\r\nConnection: close\r\n\r\n";
+    return "GET " + target + " HTTP/1.1\r\nHost: localhost\r\nConnection: close\r\n\r\n";
 }
 
 std::string PostText(const std::string& target, const std::string& type, const std::string& body) {
     return "POST " + target +
-           " HTTP/1.1\r\nHost: vehicle\r\nConnection: close\r\nContent-Type: " + type +
+           " HTTP/1.1\r\nHost: localhost\r\nConnection: close\r\nContent-Type: " + type +
            "\r\nContent-Length: " + std::to_string(body.size()) + "\r\n\r\n" + body;
 }
 
@@ -129,27 +129,34 @@ std::string ReplyText(const std::string& status, const std::string& type, const 
            "\r\nContent-Length: " + std::to_string(body.size()) + "\r\n\r\n" + body;
 }
 
-Poco::JSON::Object::Ptr Json(const std::string& text) {
-    Poco::JSON::Parser parser(new Poco::JSON::ParseHandler(/* bPreserveObjectOrder = */ true));
-    return parser.parse(text).extract<Poco::JSON::Object::Ptr>();
+Json::Value ParsedJson(const std::string& text) {
+    Json::Value value;
+    std::istringstream(text) >> value;
+    return value;
 }
 
-Poco::JSON::Object::Ptr State(std::uint16_t port) {
-    return Json(BodyOf(Exchange(port, GetText("/sim/state"))));
+Json::Value State(std::uint16_t port) {
+    return ParsedJson(BodyOf(Exchange(port, GetText("/sim/v1/state"))));
 }
 
-Poco::JSON::Object::Ptr FirstPayload(std::uint16_t port) {
-    return State(port)->getArray("payloads")->getObject(0);
+Json::Value FirstPayload(std::uint16_t port) {
+    return State(port)["payloads"][0];
 }
 
-std::string JsonLine(const Poco::JSON::Object& object, const std::string& member) {
-    std::ostringstream text;
-    Poco::JSON::Stringifier::stringify(object.get(member), text);
-    return text.str();
+std::string JsonText(const Json::Value& value) {
+    Json::StreamWriterBuilder builder;
+    builder["indentation"] = "";
+    return Json::writeString(builder, value);
+}
+
+Settings SettingsIn(const std::string& folder) {
+    Settings settings;
+    settings.dataFolder = folder;
+    return settings;
 }
 
 void AwaitHeldPolls(std::uint16_t port, std::size_t count) {
-    while (State(port)->getValue<std::size_t>("heldPolls") != count) {
+    while (State(port)["heldPolls"].asUInt64() != count) {
         std::this_thread::yield();
     }
 }
@@ -172,7 +179,7 @@ std::string ServerTest::Upload(const std::string& target, const std::string& fil
 }
 
 std::string ServerTest::Kept(const std::string& member) const {
-    return JsonLine(*FirstPayload(server.Port()), member);
+    return JsonText(FirstPayload(server.Port())[member]);
 }
 
 const char okReply[] = "HTTP/1.1 200 OK\r\nConnection: Close\r\nContent-Type: text/plain\r\n"

@@ -1,13 +1,13 @@
 #pragma once
 
-#include "Server.h"
-#include "World.h"
+#include "model/World.h"
+#include "wire/Server.h"
 
-#include <Poco/JSON/Object.h>
 #include <Poco/Net/StreamSocket.h>
 #include <cstdint>
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <json/value.h>
 #include <string>
 #include <vector>
 
@@ -59,12 +59,15 @@ std::string StatusLine(const std::string& reply);
 std::string BodyOf(const std::string& reply);
 /// A whole reply on a connection that is closed behind it, without the header line "Date".
 std::string ReplyText(const std::string& status, const std::string& type, const std::string& body);
-Poco::JSON::Object::Ptr Json(const std::string& text);
+Json::Value ParsedJson(const std::string& text);
 
 /// The server's state, and the first payload of it.
-Poco::JSON::Object::Ptr State(std::uint16_t port);
-Poco::JSON::Object::Ptr FirstPayload(std::uint16_t port);
-std::string JsonLine(const Poco::JSON::Object& object, const std::string& member);
+Json::Value State(std::uint16_t port);
+Json::Value FirstPayload(std::uint16_t port);
+/// A value as JSON on one line.
+std::string JsonText(const Json::Value& value);
+/// Settings with a folder of their own and nothing else out of the ordinary.
+Settings SettingsIn(const std::string& folder);
 /// Returns when the server holds this many polls; the test's watchdog limits the wait.
 void AwaitHeldPolls(std::uint16_t port, std::size_t count);
 
@@ -81,7 +84,7 @@ protected:
     std::string Kept(const std::string& member) const;
 
     const TempFolder folder;
-    World world{folder.path + "/data"};
+    World world{SettingsIn(folder.path + "/data")};
     Server server{world, "127.0.0.1", 0, nullptr};
 };
 

@@ -1,0 +1,108 @@
+#include "Control.h"
+#include "Files.h"
+#include "State.h"
+#include "Steering.h"
+#include "TrafficView.h"
+#include "page/Page.h"
+
+#include <Poco/Net/IPAddress.h>
+#include <Poco/Net/SocketAddress.h>
+#include <algorithm>
+
+namespace Brenmoor {
+namespace TavoSimulator {
+
+namespace {
+
+constexpr char root[] = "/sim/v1/";
+
+struct Target {
+    const char* method;
+    /// Behind the root. One that ends in a slash has more behind it.
+    const char* path;
+    Reply (*handler)(World& world, const Request& request);
+};
+
+constexpr Target targets[] = {
+    {"GET", "state", ShowState},
+    {"GET", "events", StreamEvents},
+    {"POST", "commands", QueueCommand},
+    {"POST", "shutdown", PlanShutdown},
+    {"POST", "switches", SetSwitch},
+    {"POST", "forget", ForgetPayload},
+    {"POST", "vehicle", OrderVehicle},
+    {"POST", "clock", SetClock},
+    {"POST", "scripts", AddScript},
+    {"GET", "faults", ShowFaults},
+    {"POST", "faults", ArmFault},
+    {"DELETE", "faults", DisarmFaults},
+    {"GET", "traffic", ShowTraffic},
+    {"DELETE", "traffic", ClearTraffic},
+    {"GET", "traffic/", ShowBytes},
+    {"GET", "journal", ShowJournal},
+    {"GET", "registration", ShowRegistration},
+    {"GET", "files/", FetchFile},
+    {"GET", "packets/", FetchPacket},
+    {"GET", "answers/", FetchAnswer},
+};
+
+bool Fits(const Target& target, const std::string& path) {
+    const std::string wanted = std::string(root) + target.path;
+    return wanted.back() == '/' ? path.rfind(wanted, 0) == 0 : path == wanted;
+}
+
+/// A host's name without its port.
+std::string HostName(const std::string& host) {
+    const std::size_t bracket = host.find(']');
+    if (host.front() == '[' && bracket != std::string::npos) {
+        return host.substr(1, bracket - 1);
+    }
+    return host.substr(0, host.find(':'));
+}
+
+/// A browser tells where a request comes from, and another site's page must not steer. Nor may one
+/// whose own name was made to lead here, which is why only addresses and "localhost" will do.
+void RequireOwnOrigin(const Request& request) {
+    const std::string host = request.Header("Host");
+    const std::string origin = request.Header("Origin");
+    if (!origin.empty() && origin != "http://" + host) {
+        throw Forbidden("Requests from another site's page are refused");
+    }
+    Poco::Net::IPAddress address;
+    if (!host.empty() && HostName(host) != "localhost" &&
+        !Poco::Net::IPAddress::tryParse(HostName(host), address)) {
+        throw Forbidden("Use the server's address, or localhost, as its name");
+    }
+}
+
+} // namespace
+
+bool IsControl(const std::string& target) {
+    return target.rfind("/sim/", 0) == 0 || IsPage(target);
+}
+
+Reply AnswerControl(World& world, const Request& request) {
+    RequireOwnOrigin(request);
+    if (IsPage(request.path)) {
+        RequireMethod(request, "GET");
+        return PageReply(request.path);
+    }
+    std::string allow;
+    for (const Target& target : targets) {
+        if (!Fits(target, request.path)) {
+            continue;
+        }
+        if (request.method == target.method) {
+            return target.handler(world, request);
+        }
+        allow += (allow.empty() ? "" : ", ") + std::string(target.method);
+    }
+    if (allow.empty()) {
+        throw NotFound("Nothing is steered here");
+    }
+    RequireMethod(request, allow);
+    return Ok();
+}
+
+} // namespace TavoSimulator
+} // namespace Brenmoor

@@ -1,0 +1,20 @@
+#pragma once
+
+#include "model/World.h"
+#include "wire/Exchange.h"
+
+#include <string>
+
+namespace Brenmoor {
+namespace TavoSimulator {
+
+/// Whether a request is not a payload's but of someone who steers or looks: everything under
+/// "/sim/", and the page.
+bool IsControl(const std::string& target);
+
+/// Answers such a request. Throws a Refusal for one that does not fit, and for one that another
+/// site's page had a browser send.
+Reply AnswerControl(World& world, const Request& request);
+
+} // namespace TavoSimulator
+} // namespace Brenmoor

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "Changes.h"
+#include "Clock.h"
+#include "FileStore.h"
+#include "PayloadRegistry.h"
+#include "ScriptBook.h"
+#include "Traffic.h"
+#include "Vehicle.h"
+#include "faults/FaultPlan.h"
+
+#include <cstddef>
+#include <optional>
+#include <string>
+
+namespace Brenmoor {
+namespace TavoSimulator {
+
+/// What a simulator is started with.
+struct Settings {
+    std::string dataFolder;
+    double clockSpeed = 1;
+    /// Unix time at the start; the present one when absent.
+    std::optional<double> startUnixSeconds;
+    std::uint64_t seed = 1;
+    std::size_t mostPayloads = 1000;
+    std::uintmax_t mostUploadBytes = std::uintmax_t{2} * 1024 * 1024 * 1024;
+    /// How long the pauses of faults are, for tests in a hurry.
+    double pauseScale = 1;
+};
+
+/// Everything that a simulator knows, shared by all the threads that serve requests.
+struct World {
+    explicit World(const Settings& theSettings)
+        : settings(theSettings), clock(settings.clockSpeed, settings.startUnixSeconds),
+          vehicle(settings.seed), payloads(clock, vehicle, changes, settings.mostPayloads),
+          files(settings.dataFolder), faults(changes), traffic(changes) {}
+
+    const Settings settings;
+    Changes changes;
+    Clock clock;
+    Vehicle vehicle;
+    PayloadRegistry payloads;
+    const FileStore files;
+    ScriptBook scripts;
+    FaultPlan faults;
+    Traffic traffic;
+};
+
+} // namespace TavoSimulator
+} // namespace Brenmoor

@@ -1,0 +1,103 @@
+#include "Options.h"
+
+#include <CLI/CLI.hpp>
+#include <Poco/Net/IPAddress.h>
+#include <algorithm>
+#include <sstream>
+
+namespace Brenmoor {
+namespace TavoSimulator {
+
+namespace {
+
+constexpr char footer[] =
+    "\nThe payloads talk to /xp; the page is at /, the control interface at /sim/v1/.\n"
+    "SIGINT and SIGTERM end it. Exit codes: 0 after that, 1 for a failure, 2 for bad options.\n";
+
+std::string CheckAddress(const std::string& text) {
+    Poco::Net::IPAddress address;
+    return Poco::Net::IPAddress::tryParse(text, address) ? "" : "not an IP address: " + text;
+}
+
+std::string FaultList() {
+    std::size_t width = 0;
+    for (const Fault& fault : FaultCatalogue()) {
+        width = std::max(width, std::string(fault.name).size());
+    }
+    std::ostringstream list;
+    std::string group;
+    for (const Fault& fault : FaultCatalogue()) {
+        if (group != fault.group) {
+            group = fault.group;
+            list << (list.tellp() > 0 ? "\n" : "") << group << '\n';
+        }
+        list << "  " << std::left << std::setw(static_cast<int>(width)) << fault.name << "  "
+             << fault.summary << '\n';
+    }
+    return list.str();
+}
+
+void Describe(CLI::App& app, Options& options) {
+    Settings& settings = options.settings;
+    app.add_option("--port", options.port, "Listen on this port; 0 takes any free one")
+        ->type_name("N")
+        ->capture_default_str();
+    app.add_option("--bind,--address", options.address, "Listen on this IP address")
+        ->type_name("A")
+        ->capture_default_str()
+        ->check(CheckAddress);
+    app.add_option("--data", settings.dataFolder, "Keep uploads in this folder")
+        ->type_name("DIR")
+        ->capture_default_str();
+    app.add_option("--port-file", options.portFile,
+                   "Write the port to this file once the server listens")
+        ->type_name("FILE");
+    app.add_option("--speed", settings.clockSpeed,
+                   "Simulated seconds for each real one; 0 stands still")
+        ->type_name("X")
+        ->capture_default_str()
+        ->check(CLI::Range(0.0, 1e5));
+    app.add_option("--start", settings.startUnixSeconds, "Unix time at the start")
+        ->type_name("SECONDS")
+        ->check(CLI::Range(0.0, 1e11));
+    app.add_option("--seed", settings.seed, "Seed of noise and of faults by chance")
+        ->type_name("N")
+        ->capture_default_str();
+    app.add_option("--max-payloads", settings.mostPayloads, "Refuse more payloads than these")
+        ->type_name("N")
+        ->capture_default_str();
+    app.add_option("--max-upload", settings.mostUploadBytes, "Refuse larger uploads")
+        ->type_name("BYTES")
+        ->capture_default_str();
+    app.add_flag("--quiet", options.quiet, "Do not print a line for every exchange");
+    app.add_flag("--headless", "Do not serve the page")->group("");
+}
+
+} // namespace
+
+ParsedOptions ParseOptions(const std::vector<std::string>& arguments) {
+    ParsedOptions parsed;
+    Options& options = parsed.options;
+    options.settings.dataFolder = "tavo-data";
+    CLI::App app("A payload server for the desk.", "tavo-simulator");
+    app.footer(footer);
+    app.set_version_flag("--version", "tavo-simulator " TAVO_VERSION);
+    Describe(app, options);
+    app.add_subcommand("faults", "List the faults and exit")->callback([&] {
+        options.print = FaultList();
+    });
+    try {
+        app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
+    } catch (const CLI::CallForHelp&) {
+        options.print = app.help();
+    } catch (const CLI::CallForVersion&) {
+        options.print = app.version() + "\n";
+    } catch (const CLI::ParseError& bad) {
+        parsed.error = std::string(bad.what()) + "; see --help";
+        std::replace(parsed.error.begin(), parsed.error.end(), '\n', ' ');
+    }
+    return parsed;
+}
+
+} // namespace TavoSimulator
+} // namespace Brenmoor
