@@ -1,7 +1,6 @@
 #include "examples/ExampleTest.h"
 
 #include <csignal>
-#include <sstream>
 
 namespace Brenmoor {
 namespace TavoRemotingLib {
@@ -16,41 +15,37 @@ const std::string poll =
     "&timeout=10000\n";
 const std::string off = "HTTP GET http://SERVER/xp?op=off&id=P1\n";
 
-/// The lines that do not tell a position, of which the simulator sends one now and then.
-Lines WithoutPositions(const std::string& output) {
-    Lines lines;
-    std::istringstream stream(output);
-    for (std::string line; std::getline(stream, line);) {
-        if (line.rfind("position: ", 0) != 0) {
-            lines.push_back(line);
-        }
-    }
-    return lines;
-}
-
 TEST_F(PollLoop, AnswersEveryCommandAndShutsDown) {
     const Simulator simulator(Folder());
+    simulator.Anchor(57.5, -3.25);
     simulator.QueueCommand("P1", "t1", "hello");
     simulator.QueueCommand("P1", "t2", "/etc/plan", true);
     simulator.ShutDown("P1");
     const Outcome outcome = Run("poll_loop", simulator.Address(), {"P1"});
     EXPECT_EQ(outcome.code, 0);
-    EXPECT_EQ(WithoutPositions(outcome.output),
-              (Lines{"command: hello", "file: /etc/plan", "shutting down"}));
+    EXPECT_EQ(outcome.output, "command: hello\n"
+                              "file: /etc/plan\n"
+                              "position: 57.5 -3.25\n"
+                              "shutting down\n");
     EXPECT_EQ(outcome.errors, poll + off);
     EXPECT_EQ(simulator.Answers("P1"), (Lines{"t1: done", "t2: done"}));
     EXPECT_EQ(simulator.Commands("P1"), (Lines{"t1: answered", "t2: answered"}));
     EXPECT_TRUE(simulator.Payload("P1")["off"].asBool());
 }
 
-TEST_F(PollLoop, SigtermStopsItBehindThePoll) {
+TEST_F(PollLoop, SigtermStopsItBehindTheCommandThatComes) {
     const Simulator simulator(Folder());
+    simulator.Anchor(57.5, -3.25);
     Program program = Start("poll_loop", {simulator.Address(), "P1"});
+    EXPECT_EQ(program.ReadLine(), "position: 57.5 -3.25");
     simulator.AwaitHeldPolls(1);
     program.Signal(SIGTERM);
+    simulator.QueueCommand("P1", "t1", "last one");
     const Outcome outcome = End(program, simulator.Address());
     EXPECT_EQ(outcome.code, 0);
-    EXPECT_EQ(WithoutPositions(outcome.output), Lines{"stopped"});
+    EXPECT_EQ(outcome.output, "command: last one\nposition: 57.5 -3.25\nstopped\n");
+    EXPECT_EQ(outcome.errors, poll + poll);
+    EXPECT_EQ(simulator.Answers("P1"), Lines{"t1: done"});
     EXPECT_FALSE(simulator.Payload("P1")["off"].asBool());
 }
 

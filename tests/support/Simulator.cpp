@@ -89,6 +89,16 @@ void Simulator::ShutDown(const std::string& id, int inSeconds) const {
     Post("shutdown", body);
 }
 
+void Simulator::Anchor(double latitude, double longitude) const {
+    Json::Value body;
+    body["latitude"] = latitude;
+    body["longitude"] = longitude;
+    body["speedMetresPerSecond"] = 0;
+    body["noiseMetres"] = 0;
+    body["fixIntervalSeconds"] = 3600;
+    Post("vehicle", body);
+}
+
 void Simulator::AwaitHeldPolls(unsigned count) const {
     while (State()["heldPolls"].asUInt() != count) {
         std::this_thread::yield();

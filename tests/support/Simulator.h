@@ -23,6 +23,8 @@ public:
     void QueueCommand(const std::string& id, const std::string& tag, const std::string& command,
                       bool isFile = false) const;
     void ShutDown(const std::string& id, int inSeconds = 0) const;
+    /// Lets the vehicle lie still there, and tell that one fix for an hour.
+    void Anchor(double latitude, double longitude) const;
     /// Returns when it holds this many polls; the test's watchdog limits the wait.
     void AwaitHeldPolls(unsigned count) const;
 
