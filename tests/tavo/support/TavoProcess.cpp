@@ -55,17 +55,16 @@ bool Begins(const std::string& text, const std::string& beginning) {
 
 /// The test's environment without what would change the program, and the call's own.
 std::vector<std::string> Variables(const std::vector<std::string>& added) {
-    std::vector<std::string> variables;
+    // Of several with one name, the first counts.
+    std::vector<std::string> variables = added;
+    variables.emplace_back("TERM=xterm");
     for (const std::string& variable : TavoRemotingLib::Testing::Environment()) {
         const std::string name = variable.substr(0, variable.find('='));
         const bool isProxy = name.size() > 6 && name.find("_proxy") == name.size() - 6;
-        if (!Begins(name, "TAVO_") && !isProxy && name != "ALL_PROXY" && name != "NO_COLOR" &&
-            name != "TERM") {
+        if (!Begins(name, "TAVO_") && !isProxy && name != "ALL_PROXY" && name != "NO_COLOR") {
             variables.push_back(variable);
         }
     }
-    variables.emplace_back("TERM=xterm");
-    variables.insert(variables.end(), added.begin(), added.end());
     return variables;
 }
 
