@@ -31,22 +31,26 @@ Place Moved(const Place& from, double northMetres, double eastMetres) {
     return Place{std::clamp(latitude, -90.0, 90.0), std::remainder(longitude, 360)};
 }
 
-Track::Track(const std::vector<Place>& waypoints)
-    : Track(waypoints.empty() ? throw std::invalid_argument("A track needs a waypoint")
-                              : waypoints.front(),
-            [&] {
-                const Place& first = waypoints.front();
-                std::vector<Offset> offsets;
-                for (const Place& place : waypoints) {
-                    // The short way round.
-                    const double degrees =
-                        std::remainder(place.longitudeDegrees - first.longitudeDegrees, 360);
-                    offsets.push_back(
-                        {(place.latitudeDegrees - first.latitudeDegrees) * metresPerDegree,
-                         degrees * metresPerDegree * Shrink(first.latitudeDegrees)});
-                }
-                return offsets;
-            }()) {}
+Track::Track(const std::vector<Place>& waypoints) : Track(First(waypoints), Offsets(waypoints)) {}
+
+const Place& Track::First(const std::vector<Place>& waypoints) {
+    if (waypoints.empty()) {
+        throw std::invalid_argument("A track needs a waypoint");
+    }
+    return waypoints.front();
+}
+
+std::vector<Track::Offset> Track::Offsets(const std::vector<Place>& waypoints) {
+    const Place& first = First(waypoints);
+    std::vector<Offset> offsets;
+    for (const Place& place : waypoints) {
+        // The short way round.
+        const double degrees = std::remainder(place.longitudeDegrees - first.longitudeDegrees, 360);
+        offsets.push_back({(place.latitudeDegrees - first.latitudeDegrees) * metresPerDegree,
+                           degrees * metresPerDegree * Shrink(first.latitudeDegrees)});
+    }
+    return offsets;
+}
 
 Track::Track(const Place& theOrigin, std::vector<Offset> thePoints)
     : origin(theOrigin), points(std::move(thePoints)) {

@@ -50,6 +50,10 @@ private:
         double length;
     };
 
+    /// Both throw std::invalid_argument for no waypoints.
+    static const Place& First(const std::vector<Place>& waypoints);
+    static std::vector<Offset> Offsets(const std::vector<Place>& waypoints);
+
     Track(const Place& origin, std::vector<Offset> points);
     const Leg& LegAt(double& metres) const;
     Offset OffsetAt(double metres) const;
