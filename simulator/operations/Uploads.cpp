@@ -27,6 +27,21 @@ Reply KeepFile(World& world, const Request& request, const std::string& remote) 
     return Ok();
 }
 
+std::string PacketBytes(const Request& request) {
+    const std::string text = ReadTextForm(request);
+    const char flag[] = "the packet is not escaped as the client does it";
+    try {
+        std::string bytes = Unescape(text);
+        if (Escape(bytes) != text) {
+            request.flag(flag);
+        }
+        return bytes;
+    } catch (const Refusal&) {
+        request.flag(flag);
+        throw;
+    }
+}
+
 /// Finds the command that an answer is for, and marks it as answered if that is the last one.
 void Settle(Payload& payload, Answer& answer) {
     payload.commands.Each([&](Command& command) {
@@ -70,7 +85,7 @@ Reply AnswerReply(World& world, const Request& request) {
 Reply AnswerRawPacket(World& world, const Request& request) {
     const std::string& id = request.Filled("id");
     Packet packet;
-    packet.bytes = Unescape(ReadTextForm(request));
+    packet.bytes = PacketBytes(request);
     packet.number = world.payloads.NewNumber();
     const std::size_t size = packet.bytes.size();
     world.payloads.Change(id, [&](Payload& payload) { payload.packets.Add(packet, size); });
@@ -78,7 +93,11 @@ Reply AnswerRawPacket(World& world, const Request& request) {
 }
 
 Reply AnswerMeta(World& world, const Request& request) {
-    const Json::Value document = ParseMembers(ReadTextForm(request), "The registration document");
+    const std::string text = ReadTextForm(request);
+    if (HasBraces(text)) {
+        request.flag("the registration document has its outer braces");
+    }
+    const Json::Value document = ParseMembers(text, "The registration document");
     world.payloads.Change(Optional(request, "id"), [&](Payload& payload) {
         payload.registration = document;
         payload.registrationComplete = false;

@@ -50,6 +50,10 @@ public:
         return true;
     };
 
+    /// Takes note of something in the request that is not as the client library sends it.
+    std::function<void(const std::string&)> flag = [](const std::string&) {
+    };
+
     /// The value of the first header line of this name, in any case; empty when there is none.
     std::string Header(const std::string& name) const;
     /// The first parameter of this name, or null.

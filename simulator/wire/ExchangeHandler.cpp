@@ -1,32 +1,22 @@
 #include "ExchangeHandler.h"
+#include "Answering.h"
 #include "Json.h"
 #include "RecordedSocket.h"
 #include "control/Control.h"
 #include "faults/Line.h"
 #include "operations/Operations.h"
+#include "operations/Scrutiny.h"
 
-#include <Poco/Net/HTTPServerRequestImpl.h>
-#include <Poco/Net/HTTPServerResponse.h>
-#include <Poco/Net/StreamSocket.h>
-#include <Poco/StreamCopier.h>
-#include <fstream>
 #include <limits>
-#include <sstream>
-#include <sys/socket.h>
 
 namespace Brenmoor {
 namespace TavoSimulator {
 
 namespace {
 
-using Poco::Net::HTTPMessage;
 using Poco::Net::HTTPServerRequest;
 using Poco::Net::HTTPServerResponse;
 using RealClock = std::chrono::steady_clock;
-
-// What is left of a refused request is read, up to here, before the answer is sent: a client in
-// the middle of its upload would otherwise lose the answer.
-constexpr std::streamsize mostUnreadBytes = std::streamsize{64} * 1024 * 1024;
 
 /// Counts an exchange as under way.
 class UnderWay {
@@ -44,94 +34,6 @@ private:
     ExchangeDesk& desk;
 };
 
-Poco::Net::StreamSocket& SocketOf(HTTPServerRequest& request) {
-    return dynamic_cast<Poco::Net::HTTPServerRequestImpl&>(request).socket();
-}
-
-bool IsPeerPresent(HTTPServerRequest& request) {
-    char next = '\0';
-    try {
-        return SocketOf(request).receiveBytes(&next, 1, MSG_PEEK | MSG_DONTWAIT) > 0;
-    } catch (const Poco::TimeoutException&) {
-        return true; // nothing to read, which is what a peer does that waits
-    } catch (const Poco::Exception&) {
-        return false;
-    }
-}
-
-bool HasKnownEnd(const HTTPServerRequest& request) {
-    return request.hasContentLength() || request.getChunkedTransferEncoding() ||
-           request.getMethod() != "POST";
-}
-
-void RequirePlainFrame(const HTTPServerRequest& request) {
-    if (request.getVersion() != HTTPMessage::HTTP_1_1 &&
-        request.getVersion() != HTTPMessage::HTTP_1_0) {
-        throw BadRequest("The request line does not end in HTTP/1.1 or HTTP/1.0");
-    }
-    if (!HasKnownEnd(request)) {
-        throw Refusal(411, "Length Required", "The content has no length");
-    }
-}
-
-Reply RefusalReply(const Refusal& refusal) {
-    Reply reply;
-    reply.status = refusal.status;
-    reply.reason = refusal.reason;
-    reply.allow = refusal.allow;
-    reply.body = std::string(refusal.what()) + "\n";
-    return reply;
-}
-
-template <typename Function>
-Reply AnswerOrRefuse(const Function& answer) {
-    try {
-        return answer();
-    } catch (const Refusal& refusal) {
-        return RefusalReply(refusal);
-    } catch (const std::exception& failure) {
-        return RefusalReply(Refusal(500, "Internal Server Error", failure.what()));
-    }
-}
-
-/// Reads what is left of the request. False when that was not possible.
-bool Drain(HTTPServerRequest& request) {
-    if (!HasKnownEnd(request)) {
-        return false;
-    }
-    request.stream().ignore(mostUnreadBytes);
-    return request.stream().eof() && !request.stream().bad();
-}
-
-void Send(const Reply& reply, HTTPServerResponse& response) {
-    response.setVersion(HTTPMessage::HTTP_1_1);
-    response.setStatusAndReason(static_cast<Poco::Net::HTTPResponse::HTTPStatus>(reply.status),
-                                reply.reason);
-    if (!reply.allow.empty()) {
-        response.set("Allow", reply.allow);
-    }
-    response.setContentType(reply.type);
-    if (reply.stream) {
-        response.set("Cache-Control", "no-store");
-        response.setChunkedTransferEncoding(true);
-        reply.stream(response.send());
-        return;
-    }
-    std::istringstream text(reply.body);
-    std::ifstream file;
-    std::uintmax_t size = reply.body.size();
-    if (!reply.filePath.empty()) {
-        file.open(reply.filePath, std::ios::binary);
-        size = std::filesystem::file_size(reply.filePath);
-    }
-    response.setContentLength64(static_cast<Poco::Int64>(size));
-    std::ostream& out = response.send();
-    Poco::StreamCopier::copyStream(reply.filePath.empty() ? static_cast<std::istream&>(text) : file,
-                                   out);
-    // Else it would go out after the exchange has ended.
-    out.flush();
-}
-
 /// One exchange of a payload, from its entry in the traffic to its end there.
 class PayloadExchange {
 public:
@@ -143,6 +45,7 @@ public:
         entry.peer = in.clientAddress().toString();
         entry.method = in.getMethod();
         entry.target = in.getURI();
+        entry.flags = HeadFlags(Head());
         entry.recording = recorded.TakeRecording();
         Describe(entry);
         operation = entry.operation;
@@ -178,6 +81,16 @@ public:
     }
 
 private:
+    RequestHead Head() const {
+        RequestHead head;
+        head.method = in.getMethod();
+        head.target = in.getURI();
+        head.version = in.getVersion();
+        head.headers.assign(in.begin(), in.end());
+        head.connectionUsed = recorded.IsUsed();
+        return head;
+    }
+
     void Describe(TrafficEntry& entry) const {
         try {
             std::istream none(nullptr);
@@ -204,6 +117,10 @@ private:
             request.headers.assign(in.begin(), in.end());
             request.peerPresent = [this] {
                 return IsPeerPresent(in);
+            };
+            request.flag = [this](const std::string& flag) {
+                world.traffic.Change(number,
+                                     [&](TrafficEntry& entry) { AddFlag(entry.flags, flag); });
             };
             if (request.path != "/xp") {
                 throw NotFound("Nothing is served here; see /xp and /sim/v1/");

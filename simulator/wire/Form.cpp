@@ -5,6 +5,7 @@
 #include <Poco/Net/NameValueCollection.h>
 #include <Poco/String.h>
 #include <map>
+#include <optional>
 #include <sstream>
 
 namespace Brenmoor {
@@ -16,6 +17,8 @@ using Traits = std::istream::traits_type;
 
 constexpr std::size_t largestText = std::size_t{16} * 1024 * 1024;
 constexpr std::size_t largestField = std::size_t{64} * 1024;
+constexpr std::size_t mostHeaderLines = 20;
+constexpr std::size_t mostParts = 100;
 constexpr std::size_t longestHeaderLine = std::size_t{8} * 1024;
 
 std::string Boundary(const std::string& contentType) {
@@ -29,17 +32,29 @@ std::string Boundary(const std::string& contentType) {
     return boundary;
 }
 
-/// The name that a header line states, if it is the line to do so.
-void TakeName(const std::string& line, std::string& name) {
+/// The file name that a header line states, as it stands there.
+std::string FileNameIn(const std::string& line) {
+    const std::string mark = "; filename=\"";
+    const std::size_t begin = line.find(mark);
+    const std::size_t end = line.rfind('"');
+    return begin == std::string::npos || end < begin + mark.size()
+               ? ""
+               : line.substr(begin + mark.size(), end - begin - mark.size());
+}
+
+void TakeHeaderLine(const std::string& line, FormPart& part) {
     const std::size_t colon = line.find(':');
     if (colon == std::string::npos) {
         throw BadRequest("A form part has a header line without a colon");
     }
-    if (Poco::icompare(line.substr(0, colon), "content-disposition") == 0) {
+    const std::string name = line.substr(0, colon);
+    part.headers.push_back(name);
+    if (Poco::icompare(name, "content-disposition") == 0) {
         std::string disposition;
         Poco::Net::NameValueCollection parameters;
         Poco::Net::MessageHeader::splitParameters(line.substr(colon + 1), disposition, parameters);
-        name = parameters.get("name", "");
+        part.name = parameters.get("name", "");
+        part.fileName = FileNameIn(line);
     }
 }
 
@@ -78,7 +93,7 @@ bool PartReader::AtLastBoundary() {
     return next == "--";
 }
 
-bool PartReader::Next(std::string& name) {
+bool PartReader::Next(FormPart& part) {
     if (!started) {
         started = true;
         std::ostringstream preamble;
@@ -87,9 +102,12 @@ bool PartReader::Next(std::string& name) {
     if (AtLastBoundary()) {
         return false;
     }
-    name.clear();
+    part = FormPart();
     for (std::string line = HeaderLine(); !line.empty(); line = HeaderLine()) {
-        TakeName(line, name);
+        if (part.headers.size() == mostHeaderLines) {
+            throw BadRequest("A form part has too many header lines");
+        }
+        TakeHeaderLine(line, part);
     }
     return true;
 }
@@ -120,18 +138,25 @@ void PartReader::Read(std::ostream& out, std::uintmax_t limit) {
     matched = 0;
 }
 
-std::string ReadForm(const Request& request, std::ostream& file, std::uintmax_t limit) {
+namespace {
+
+std::string ReadParts(const Request& request, std::ostream& file, std::uintmax_t limit,
+                      std::vector<FormPart>& parts) {
     PartReader reader(request.body, Boundary(request.Header("Content-Type")));
     std::map<std::string, std::string> fields;
-    std::string name;
-    while (reader.Next(name)) {
-        if (fields.count(name) != 0) {
+    for (FormPart part; reader.Next(part);) {
+        if (fields.count(part.name) != 0) {
             throw BadRequest("A form part comes twice");
         }
+        if (parts.size() == mostParts) {
+            throw BadRequest("The form has too many parts");
+        }
         std::ostringstream text;
-        reader.Read(name == "file" ? file : text,
-                    name == "file" ? limit : std::uintmax_t{largestField});
-        fields[name] = text.str();
+        const bool isFile = part.name == "file";
+        reader.Read(isFile ? file : text, isFile ? limit : std::uintmax_t{largestField});
+        part.text = text.str();
+        fields[part.name] = part.text;
+        parts.push_back(part);
     }
     for (const char* const part : {"file", "filename", "submit"}) {
         if (fields.count(part) == 0) {
@@ -141,13 +166,36 @@ std::string ReadForm(const Request& request, std::ostream& file, std::uintmax_t 
     return fields["filename"];
 }
 
+} // namespace
+
+std::string ReadForm(const Request& request, std::ostream& file, std::uintmax_t limit) {
+    std::vector<FormPart> parts;
+    std::string fileName;
+    std::optional<Refusal> refused;
+    try {
+        fileName = ReadParts(request, file, limit, parts);
+    } catch (const Refusal& refusal) {
+        refused = refusal;
+    }
+    for (const std::string& flag : FormFlags(parts)) {
+        request.flag(flag);
+    }
+    if (refused) {
+        request.flag(refused->what());
+        throw Refusal(*refused);
+    }
+    return fileName;
+}
+
 std::string ReadTextForm(const Request& request) {
     std::ostringstream file;
     ReadForm(request, file, largestText);
     std::string text = file.str();
-    if (!text.empty() && text.back() == '\0') {
-        text.pop_back();
+    if (text.empty() || text.back() != '\0') {
+        request.flag("the text does not end in a zero byte");
+        return text;
     }
+    text.pop_back();
     return text;
 }
 

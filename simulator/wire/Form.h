@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Exchange.h"
+#include "FormScrutiny.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -17,9 +18,9 @@ class PartReader {
 public:
     PartReader(std::istream& in, const std::string& boundary);
 
-    /// Goes to the next part, whose preceding one has been read, and gives the name that its
-    /// header states (empty for none). False after the last part.
-    bool Next(std::string& name);
+    /// Goes to the next part, whose preceding one has been read, and gives what its header states.
+    /// False after the last part.
+    bool Next(FormPart& part);
 
     /// Writes the part's bytes to `out`.
     /// Throws a Refusal for more than `limit` bytes or a stream that ends too early.
@@ -39,7 +40,7 @@ private:
 
 /// Reads an upload's form, with its parts "file", "filename" and "submit" each exactly once. The
 /// bytes of "file", at most `limit`, go to `file`; the text of "filename" is returned.
-/// Throws a Refusal for any other form.
+/// Throws a Refusal for any other form. What is not as the client sends it is flagged.
 std::string ReadForm(const Request& request, std::ostream& file, std::uintmax_t limit);
 
 /// The same for content made from text: without the zero byte that ends it by the upload's format.

@@ -50,9 +50,12 @@ Json::Value ParseObject(const std::string& text, const std::string& what) {
 }
 
 Json::Value ParseMembers(const std::string& text, const std::string& what) {
+    return ParseObject(HasBraces(text) ? text : "{" + text + "}", what);
+}
+
+bool HasBraces(const std::string& text) {
     const std::string trimmed = Poco::trim(text);
-    const bool braced = trimmed.size() > 1 && trimmed.front() == '{' && trimmed.back() == '}';
-    return ParseObject(braced ? trimmed : "{" + text + "}", what);
+    return trimmed.size() > 1 && trimmed.front() == '{' && trimmed.back() == '}';
 }
 
 std::string JsonLine(const Json::Value& value) {

@@ -15,6 +15,9 @@ Json::Value ParseObject(const std::string& text, const std::string& what);
 /// The same with the object's outer braces allowed to be missing, as in a registration.
 Json::Value ParseMembers(const std::string& text, const std::string& what);
 
+/// Whether a text, white space around it aside, is in braces.
+bool HasBraces(const std::string& text);
+
 /// A value on one line, without a line end. Text that is not valid UTF-8 is replaced.
 std::string JsonLine(const Json::Value& value);
 

@@ -86,6 +86,11 @@ std::shared_ptr<const Recording> RecordedSocket::TakeRecording() {
 void RecordedSocket::NextExchange() {
     recording = std::make_shared<Recording>();
     taken = false;
+    used = true;
+}
+
+bool RecordedSocket::IsUsed() const {
+    return used;
 }
 
 Poco::Net::ServerSocket ListenRecorded(const std::string& address, std::uint16_t port, int backlog,

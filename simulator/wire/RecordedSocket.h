@@ -33,6 +33,9 @@ public:
     /// before, bytes may stand in the recording of the exchange in which they arrived.
     void NextExchange();
 
+    /// Whether NextExchange was called, ever.
+    bool IsUsed() const;
+
 protected:
     ~RecordedSocket() override;
 
@@ -41,6 +44,7 @@ private:
     const Leftover leftover;
     std::shared_ptr<Recording> recording = std::make_shared<Recording>();
     bool taken = false;
+    bool used = false;
 };
 
 /// Listens on an address and gives out connections that are recorded.

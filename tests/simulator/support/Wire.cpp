@@ -105,6 +105,10 @@ std::string Connection::ReadAll() {
     }
 }
 
+void Connection::EndSending() {
+    socket.shutdownSend();
+}
+
 void Connection::Close() {
     socket.close();
 }

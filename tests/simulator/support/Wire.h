@@ -47,6 +47,8 @@ public:
     void Send(const std::string& bytes);
     /// Everything up to the end of the connection, without the header line "Date".
     std::string ReadAll();
+    /// Says that nothing more is sent.
+    void EndSending();
     void Close();
 
 private:
