@@ -8,6 +8,7 @@
 #include <Poco/Net/IPAddress.h>
 #include <Poco/Net/SocketAddress.h>
 #include <algorithm>
+#include <iterator>
 
 namespace Brenmoor {
 namespace TavoSimulator {
@@ -79,6 +80,12 @@ void RequireOwnOrigin(const Request& request) {
 
 bool IsControl(const std::string& target) {
     return target.rfind("/sim/", 0) == 0 || IsPage(target);
+}
+
+bool TakesOrders(const std::string& name) {
+    return std::any_of(std::begin(targets), std::end(targets), [&](const Target& target) {
+        return target.method == std::string("POST") && target.path == name;
+    });
 }
 
 Reply AnswerControl(World& world, const Request& request) {

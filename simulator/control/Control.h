@@ -12,6 +12,9 @@ namespace TavoSimulator {
 /// "/sim/", and the page.
 bool IsControl(const std::string& target);
 
+/// Whether a POST to "/sim/v1/" and this name orders something.
+bool TakesOrders(const std::string& name);
+
 /// Answers such a request. Throws a Refusal for one that does not fit, and for one that another
 /// site's page had a browser send.
 Reply AnswerControl(World& world, const Request& request);

@@ -51,30 +51,58 @@ void Traffic::Drop(const Predicate& more) {
     }
 }
 
+void Traffic::WhenEnded(std::function<void(const TrafficEntry&)> watcher) {
+    watchers.push_back(std::move(watcher));
+}
+
+void Traffic::Tell(const std::optional<TrafficEntry>& ended) const {
+    if (ended) {
+        for (const auto& watcher : watchers) {
+            watcher(*ended);
+        }
+    }
+}
+
 std::uint64_t Traffic::Begin(TrafficEntry entry) {
-    const std::lock_guard<std::mutex> lock(mutex);
-    entry.number = ++added;
-    const std::size_t kept = KeptBytes(entry);
-    bytes += kept;
-    items.push_back({std::move(entry), ++changeCount, kept});
-    Shrink();
+    std::optional<TrafficEntry> ended;
+    std::uint64_t number = 0;
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        number = entry.number = ++added;
+        if (!entry.open) {
+            ended = entry;
+        }
+        const std::size_t kept = KeptBytes(entry);
+        bytes += kept;
+        items.push_back({std::move(entry), ++changeCount, kept});
+        Shrink();
+    }
+    Tell(ended);
     changes.Note();
-    return added;
+    return number;
 }
 
 void Traffic::Change(std::uint64_t number, const std::function<void(TrafficEntry&)>& change) {
-    const std::lock_guard<std::mutex> lock(mutex);
-    for (auto item = items.rbegin(); item != items.rend(); ++item) {
-        if (item->entry.number == number) {
-            change(item->entry);
-            item->changed = ++changeCount;
-            bytes += KeptBytes(item->entry) - item->bytes;
-            item->bytes = KeptBytes(item->entry);
-            Shrink();
-            changes.Note();
+    std::optional<TrafficEntry> ended;
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        const auto item = std::find_if(items.rbegin(), items.rend(),
+                                       [&](const Item& one) { return one.entry.number == number; });
+        if (item == items.rend()) {
             return;
         }
+        const bool wasOpen = item->entry.open;
+        change(item->entry);
+        if (wasOpen && !item->entry.open) {
+            ended = item->entry;
+        }
+        item->changed = ++changeCount;
+        bytes += KeptBytes(item->entry) - item->bytes;
+        item->bytes = KeptBytes(item->entry);
+        Shrink();
     }
+    Tell(ended);
+    changes.Note();
 }
 
 void Traffic::Shrink() {

@@ -51,6 +51,10 @@ public:
     explicit Traffic(Changes& changes, std::size_t mostEntries = 5000,
                      std::size_t mostBytes = std::size_t{64} * 1024 * 1024);
 
+    /// Has `watcher` called with every exchange that has ended, on the thread that ended it. For
+    /// use before the first exchange; what the watcher needs must outlive the last one.
+    void WhenEnded(std::function<void(const TrafficEntry&)> watcher);
+
     /// Numbers the entry, from 1, and adds it. Returns the number.
     std::uint64_t Begin(TrafficEntry entry);
 
@@ -79,10 +83,12 @@ private:
     template <typename Predicate>
     void Drop(const Predicate& more);
     void Shrink();
+    void Tell(const std::optional<TrafficEntry>& ended) const;
 
     Changes& changes;
     const std::size_t mostEntries;
     const std::size_t mostBytes;
+    std::vector<std::function<void(const TrafficEntry&)>> watchers;
     mutable std::mutex mutex;
     std::uint64_t added = 0;
     std::uint64_t changeCount = 0;

@@ -3,6 +3,8 @@
 #include <CLI/CLI.hpp>
 #include <Poco/Net/IPAddress.h>
 #include <algorithm>
+#include <fstream>
+#include <iomanip>
 #include <sstream>
 
 namespace Brenmoor {
@@ -12,7 +14,12 @@ namespace {
 
 constexpr char footer[] =
     "\nThe payloads talk to /xp; the page is at /, the control interface at /sim/v1/.\n"
-    "SIGINT and SIGTERM end it. Exit codes: 0 after that, 1 for a failure, 2 for bad options.\n";
+    "SIGINT and SIGTERM end it.\n\n"
+    "Exit codes:\n"
+    "  0  ended by SIGINT or SIGTERM, or the scenario is met\n"
+    "  1  a failure, such as a port that is taken\n"
+    "  2  bad options, or a mistake in a file that they name\n"
+    "  3  the scenario is not met, or was ended by a signal\n";
 
 std::string CheckAddress(const std::string& text) {
     Poco::Net::IPAddress address;
@@ -37,7 +44,37 @@ std::string FaultList() {
     return list.str();
 }
 
-void Describe(CLI::App& app, Options& options) {
+std::string ReadWhole(const std::string& name) {
+    std::ifstream file(name, std::ios::binary);
+    std::ostringstream content;
+    content << file.rdbuf();
+    if (!file) {
+        throw ScenarioMistake("cannot be read");
+    }
+    return content.str();
+}
+
+/// What the command line says wins over what the scenario says.
+void LoadScenario(const CLI::App& app, const std::string& name, Options& options) {
+    try {
+        options.scenario = ParseScenario(ReadWhole(name));
+    } catch (const ScenarioMistake& mistake) {
+        throw ScenarioMistake(name + ": " + mistake.what());
+    }
+    const Scenario& scenario = *options.scenario;
+    Settings& settings = options.settings;
+    if (app.count("--speed") == 0) {
+        settings.clockSpeed = scenario.speed.value_or(settings.clockSpeed);
+    }
+    if (app.count("--start") == 0) {
+        settings.startUnixSeconds = scenario.startUnixSeconds;
+    }
+    if (app.count("--seed") == 0) {
+        settings.seed = scenario.seed.value_or(settings.seed);
+    }
+}
+
+void Describe(CLI::App& app, Options& options, std::string& scenarioFile) {
     Settings& settings = options.settings;
     app.add_option("--port", options.port, "Listen on this port; 0 takes any free one")
         ->type_name("N")
@@ -69,6 +106,9 @@ void Describe(CLI::App& app, Options& options) {
     app.add_option("--max-upload", settings.mostUploadBytes, "Refuse larger uploads")
         ->type_name("BYTES")
         ->capture_default_str();
+    app.add_option("--scenario", scenarioFile, "Play this file, and exit as it ends")
+        ->type_name("FILE")
+        ->check(CLI::ExistingFile);
     app.add_flag("--quiet", options.quiet, "Do not print a line for every exchange");
     app.add_flag("--headless", "Do not serve the page")->group("");
 }
@@ -82,12 +122,16 @@ ParsedOptions ParseOptions(const std::vector<std::string>& arguments) {
     CLI::App app("A payload server for the desk.", "tavo-simulator");
     app.footer(footer);
     app.set_version_flag("--version", "tavo-simulator " TAVO_VERSION);
-    Describe(app, options);
+    std::string scenarioFile;
+    Describe(app, options, scenarioFile);
     app.add_subcommand("faults", "List the faults and exit")->callback([&] {
         options.print = FaultList();
     });
     try {
         app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
+        if (!scenarioFile.empty()) {
+            LoadScenario(app, scenarioFile, options);
+        }
     } catch (const CLI::CallForHelp&) {
         options.print = app.help();
     } catch (const CLI::CallForVersion&) {
@@ -95,6 +139,8 @@ ParsedOptions ParseOptions(const std::vector<std::string>& arguments) {
     } catch (const CLI::ParseError& bad) {
         parsed.error = std::string(bad.what()) + "; see --help";
         std::replace(parsed.error.begin(), parsed.error.end(), '\n', ' ');
+    } catch (const ScenarioMistake& mistake) {
+        parsed.error = mistake.what();
     }
     return parsed;
 }

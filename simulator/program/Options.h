@@ -1,6 +1,7 @@
 #pragma once
 
 #include "model/World.h"
+#include "scenario/Scenario.h"
 
 #include <cstdint>
 #include <string>
@@ -10,7 +11,7 @@ namespace Brenmoor {
 namespace TavoSimulator {
 
 /// The exit codes of the program, which its help lists.
-enum class ExitCode { Success = 0, Failure = 1, BadOption = 2 };
+enum class ExitCode { Success = 0, Failure = 1, BadOption = 2, ScenarioNotMet = 3 };
 
 struct Options {
     Settings settings;
@@ -19,6 +20,8 @@ struct Options {
     /// Empty for none.
     std::string portFile;
     bool quiet = false;
+    /// What to play, if anything.
+    std::optional<Scenario> scenario;
     /// What to print instead of serving; empty to serve. Its first word tells which subcommand.
     std::string print;
 };

@@ -1,5 +1,6 @@
 #include "Options.h"
 #include "model/World.h"
+#include "scenario/Player.h"
 #include "wire/Server.h"
 
 #include <Poco/Exception.h>
@@ -23,18 +24,63 @@ void WritePortFile(const std::string& name, std::uint16_t port) {
     std::filesystem::rename(unfinished, name);
 }
 
-sigset_t EndingSignals() {
-    sigset_t signals;
-    sigemptyset(&signals);
-    sigaddset(&signals, SIGINT);
-    sigaddset(&signals, SIGTERM);
-    return signals;
+/// SIGINT and SIGTERM. To be made before there is a second thread, so that only its waits receive
+/// them.
+class EndingSignals {
+public:
+    EndingSignals() {
+        sigemptyset(&signals);
+        sigaddset(&signals, SIGINT);
+        sigaddset(&signals, SIGTERM);
+        pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+    }
+
+    void Await() const {
+        int received = 0;
+        sigwait(&signals, &received);
+    }
+
+    /// Waits for so long. True when one has come.
+    bool Await(std::chrono::milliseconds longest) const {
+        constexpr long second = 1000;
+        timespec time{};
+        time.tv_sec = static_cast<time_t>(longest.count() / second);
+        time.tv_nsec = static_cast<long>(longest.count() % second) * 1000000;
+        return sigtimedwait(&signals, nullptr, &time) > 0;
+    }
+
+private:
+    sigset_t signals{};
+};
+
+/// Returns once the scenario is over, or false when a signal ended it before.
+bool Play(Player& player, const EndingSignals& signals) {
+    // How often to look whether the expectations are met.
+    constexpr std::chrono::milliseconds glance(20);
+    for (;;) {
+        player.PlayDue();
+        if (player.Over()) {
+            return true;
+        }
+        if (signals.Await(player.Pause(glance))) {
+            return false;
+        }
+    }
 }
 
-void Serve(const Options& options) {
-    // Blocked before there is a second thread, so that only the wait below receives them.
-    const sigset_t signals = EndingSignals();
-    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+ExitCode Tell(const Player::Report& report, bool ended) {
+    for (const std::string& line : report.lines) {
+        std::cout << line << '\n';
+    }
+    if (!ended) {
+        std::cout << "scenario: ended by a signal\n";
+    }
+    std::cout << std::flush;
+    return report.met && ended ? ExitCode::Success : ExitCode::ScenarioNotMet;
+}
+
+ExitCode Serve(const Options& options) {
+    const EndingSignals signals;
     std::signal(SIGPIPE, SIG_IGN);
 
     if (!options.portFile.empty()) {
@@ -42,16 +88,28 @@ void Serve(const Options& options) {
         std::filesystem::remove(options.portFile);
     }
     World world(options.settings);
-    const Server server(world, options.address, options.port, options.quiet ? nullptr : &std::cout);
+    std::optional<Player> player;
+    if (options.scenario) {
+        player.emplace(*options.scenario, world);
+        player->PlayDue(); // what is to be there when the first payload comes
+    }
+    std::optional<Server> server;
+    server.emplace(world, options.address, options.port, options.quiet ? nullptr : &std::cout);
     if (!options.portFile.empty()) {
-        WritePortFile(options.portFile, server.Port());
+        WritePortFile(options.portFile, server->Port());
     }
     const std::string line = "tavo-simulator " TAVO_VERSION " listens on " + options.address +
-                             " port " + std::to_string(server.Port()) + " and keeps uploads in " +
+                             " port " + std::to_string(server->Port()) + " and keeps uploads in " +
                              world.files.Folder().string() + "\n";
     std::cout << line << std::flush;
-    int received = 0;
-    sigwait(&signals, &received);
+    if (!player) {
+        signals.Await();
+        return ExitCode::Success;
+    }
+    const bool ended = Play(*player, signals);
+    const Player::Report report = player->Conclude();
+    server.reset();
+    return Tell(report, ended);
 }
 
 int Fail(const std::string& line, ExitCode code) {
@@ -67,11 +125,10 @@ int main(int count, char** arguments) {
         if (!parsed.error.empty()) {
             return Fail(parsed.error, ExitCode::BadOption);
         }
-        if (!parsed.options.print.empty()) {
-            std::cout << parsed.options.print;
-        } else {
-            Serve(parsed.options);
+        if (parsed.options.print.empty()) {
+            return static_cast<int>(Serve(parsed.options));
         }
+        std::cout << parsed.options.print;
         return static_cast<int>(ExitCode::Success);
     } catch (const Poco::Exception& failure) {
         return Fail(failure.displayText(), ExitCode::Failure);

@@ -7,6 +7,7 @@
 #include <json/reader.h>
 #include <json/writer.h>
 #include <memory>
+#include <sstream>
 
 namespace Brenmoor {
 namespace TavoSimulator {
@@ -24,13 +25,13 @@ Json::StreamWriterBuilder OneLine() {
     return builder;
 }
 
-bool Parse(const std::string& text, Json::Value& value) {
+bool Parse(const std::string& text, Json::Value& value, std::string* mistakes = nullptr) {
     Json::CharReaderBuilder builder;
     Json::CharReaderBuilder::strictMode(&builder.settings_);
     builder["stackLimit"] = 200;
     const std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
     try {
-        return reader->parse(text.data(), text.data() + text.size(), &value, nullptr);
+        return reader->parse(text.data(), text.data() + text.size(), &value, mistakes);
     } catch (const std::exception&) {
         return false; // nested too deeply
     }
@@ -45,6 +46,25 @@ Json::Value ParseObject(const std::string& text, const std::string& what) {
     }
     if (!value.isObject()) {
         throw BadRequest(what + " is not a JSON object");
+    }
+    return value;
+}
+
+Json::Value ParseFileObject(const std::string& text) {
+    Json::Value value;
+    std::string mistakes;
+    if (!Parse(text, value, &mistakes)) {
+        // "* Line 1, Column 2\n  What it is\n", and more of the same.
+        std::istringstream lines(mistakes);
+        std::string place;
+        std::string what;
+        std::getline(lines, place);
+        std::getline(lines, what);
+        throw std::runtime_error(place.empty() ? "nested too deeply"
+                                               : place.substr(2) + ": " + Poco::trim(what));
+    }
+    if (!value.isObject()) {
+        throw std::runtime_error("not a JSON object");
     }
     return value;
 }

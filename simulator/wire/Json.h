@@ -18,6 +18,10 @@ Json::Value ParseMembers(const std::string& text, const std::string& what);
 /// Whether a text, white space around it aside, is in braces.
 bool HasBraces(const std::string& text);
 
+/// The same for a file that a person wrote: throws a std::runtime_error with the place of the
+/// mistake.
+Json::Value ParseFileObject(const std::string& text);
+
 /// A value on one line, without a line end. Text that is not valid UTF-8 is replaced.
 std::string JsonLine(const Json::Value& value);
 

@@ -1,4 +1,5 @@
 #include "program/Options.h"
+#include "support/Wire.h"
 
 #include <gtest/gtest.h>
 
@@ -55,6 +56,39 @@ TEST(Options, SaysWhatIsWrong) {
     EXPECT_EQ(Complaint({"--por", "1"}),
               "The following arguments were not expected: 1 --por; see --help");
     EXPECT_EQ(Complaint({"stray"}), "The following argument was not expected: stray; see --help");
+}
+
+TEST(Options, AScenariosSettingsCountUnlessTheCommandLineSaysOtherwise) {
+    const TempFolder folder;
+    const std::string file = folder.path + "/s.json";
+    WriteFile(file, R"({"speed": 60, "start": 5, "seed": 7,
+                        "end": {"at": 1}, "expect": [{"noFlags": {}}]})");
+    const Options options = ParseOptions({"--scenario", file}).options;
+    EXPECT_EQ(options.settings.clockSpeed, 60);
+    EXPECT_EQ(options.settings.startUnixSeconds, 5);
+    EXPECT_EQ(options.settings.seed, 7U);
+    EXPECT_EQ(options.scenario->endAt, 1);
+    const Options given =
+        ParseOptions({"--speed", "2", "--scenario", file, "--start=6", "--seed=1"}).options;
+    EXPECT_EQ(given.settings.clockSpeed, 2);
+    EXPECT_EQ(given.settings.startUnixSeconds, 6);
+    EXPECT_EQ(given.settings.seed, 1U);
+    WriteFile(file, R"({"end": {"at": 1}, "expect": [{"noFlags": {}}]})");
+    const Options plain = ParseOptions({"--scenario", file, "--start=6"}).options;
+    EXPECT_EQ(plain.settings.clockSpeed, 1);
+    EXPECT_EQ(plain.settings.startUnixSeconds, 6);
+    EXPECT_EQ(plain.settings.seed, 1U);
+}
+
+TEST(Options, NamesTheFileOfAScenariosMistake) {
+    const TempFolder folder;
+    EXPECT_EQ(Complaint({"--scenario", folder.path + "/none"}),
+              "--scenario: File does not exist: " + folder.path + "/none; see --help");
+    WriteFile(folder.path + "/s.json", "{}");
+    EXPECT_EQ(Complaint({"--scenario", folder.path + "/s.json"}),
+              folder.path + "/s.json: end: is missing");
+    EXPECT_EQ(Complaint({"--scenario", folder.path}),
+              "--scenario: File is actually a directory: " + folder.path + "; see --help");
 }
 
 TEST(Options, FaultsAreListedByGroupWithOneLineEach) {

@@ -1,5 +1,4 @@
-#include "support/Process.h"
-#include "support/Wire.h"
+#include "support/ProcessTest.h"
 
 #include <Poco/Net/ServerSocket.h>
 #include <csignal>
@@ -10,32 +9,6 @@ namespace TavoSimulator {
 namespace Testing {
 
 namespace {
-
-class ProcessTest : public ::testing::Test {
-protected:
-    ProcessTest() {
-        std::signal(SIGPIPE, SIG_IGN);
-    }
-
-    std::vector<std::string> Arguments(const std::vector<std::string>& more = {}) const {
-        std::vector<std::string> arguments{
-            "--port", "0", "--data", folder.path + "/data", "--port-file", folder.path + "/port"};
-        arguments.insert(arguments.end(), more.begin(), more.end());
-        return arguments;
-    }
-
-    /// Waits for the line that tells that the server listens, and returns its port.
-    std::uint16_t AwaitPort(Process& process) const {
-        const std::string line = process.ReadLine();
-        const std::string port = ReadFile(folder.path + "/port");
-        EXPECT_EQ(line + "\n", "tavo-simulator " TAVO_VERSION " listens on 127.0.0.1 port " +
-                                   port.substr(0, port.size() - 1) + " and keeps uploads in " +
-                                   folder.path + "/data\n");
-        return static_cast<std::uint16_t>(std::stoi(port));
-    }
-
-    const TempFolder folder;
-};
 
 TEST_F(ProcessTest, ServesWritesALineForEachExchangeAndEndsOnSigterm) {
     WriteFile(folder.path + "/port", "left by an earlier run");
@@ -94,7 +67,11 @@ TEST_F(ProcessTest, HelpAndVersion) {
     const std::string text = help.RestOfOutput();
     for (const char* const option :
          {"Usage: tavo-simulator [OPTIONS]", "--port N", "--bind,--address A", "--data DIR",
-          "--port-file FILE", "--quiet", "--help", "--version", "Exit codes: 0"}) {
+          "--port-file FILE", "--quiet", "--scenario FILE", "--help", "--version",
+          "Exit codes:\n  0  ended by SIGINT or SIGTERM, or the scenario is met\n"
+          "  1  a failure, such as a port that is taken\n"
+          "  2  bad options, or a mistake in a file that they name\n"
+          "  3  the scenario is not met, or was ended by a signal\n"}) {
         EXPECT_NE(text.find(option), std::string::npos) << option;
     }
     Process version({"--version"});

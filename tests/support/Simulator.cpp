@@ -15,10 +15,12 @@ namespace Testing {
 
 namespace {
 
-std::vector<std::string> Words(const std::string& folder) {
+std::vector<std::string> Words(const std::string& folder,
+                               const std::vector<std::string>& arguments) {
     std::vector<std::string> words = CommandOf(SIMULATOR_PATH);
     words.insert(words.end(), {"--port", "0", "--quiet", "--data", folder + "/data", "--port-file",
                                folder + "/port"});
+    words.insert(words.end(), arguments.begin(), arguments.end());
     return words;
 }
 
@@ -58,7 +60,8 @@ Json::Value Parsed(const std::string& text) {
 
 } // namespace
 
-Simulator::Simulator(const std::string& ownFolder) : folder(ownFolder), program(Words(ownFolder)) {
+Simulator::Simulator(const std::string& ownFolder, const std::vector<std::string>& arguments)
+    : folder(ownFolder), program(Words(ownFolder, arguments)) {
     const std::string line = program.ReadLine();
     std::string port;
     std::ifstream(folder + "/port") >> port;
@@ -97,6 +100,14 @@ void Simulator::Anchor(double latitude, double longitude) const {
     body["noiseMetres"] = 0;
     body["fixIntervalSeconds"] = 3600;
     Post("vehicle", body);
+}
+
+int Simulator::Wait() {
+    return program.Wait();
+}
+
+std::string Simulator::Output() {
+    return program.RestOfOutput();
 }
 
 void Simulator::AwaitHeldPolls(unsigned count) const {

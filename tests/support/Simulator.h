@@ -14,8 +14,9 @@ namespace Testing {
 /// request that it refuses is a std::runtime_error.
 class Simulator {
 public:
-    /// Keeps what it needs in `folder`, and returns when the server listens.
-    explicit Simulator(const std::string& folder);
+    /// Keeps what it needs in `folder`, and returns when the server listens. It is started with
+    /// these arguments besides its own.
+    explicit Simulator(const std::string& folder, const std::vector<std::string>& arguments = {});
 
     /// "127.0.0.1:" and the port.
     std::string Address() const;
@@ -25,6 +26,9 @@ public:
     void ShutDown(const std::string& id, int inSeconds = 0) const;
     /// Lets the vehicle lie still there, and tell that one fix for an hour.
     void Anchor(double latitude, double longitude) const;
+    /// Waits until it ends of itself, and returns its exit code and what it wrote since it listens.
+    int Wait();
+    std::string Output();
     /// Returns when it holds this many polls; the test's watchdog limits the wait.
     void AwaitHeldPolls(unsigned count) const;
 
