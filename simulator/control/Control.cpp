@@ -91,8 +91,11 @@ bool TakesOrders(const std::string& name) {
 Reply AnswerControl(World& world, const Request& request) {
     RequireOwnOrigin(request);
     if (IsPage(request.path)) {
+        if (!world.settings.page) {
+            throw NotFound("The page is not served, as --headless asks");
+        }
         RequireMethod(request, "GET");
-        return PageReply(request.path);
+        return PageReply(request);
     }
     std::string allow;
     for (const Target& target : targets) {

@@ -25,6 +25,8 @@ struct Settings {
     std::uint64_t seed = 1;
     std::size_t mostPayloads = 1000;
     std::uintmax_t mostUploadBytes = std::uintmax_t{2} * 1024 * 1024 * 1024;
+    /// Whether the page is served.
+    bool page = true;
     /// How long the pauses of faults are, for tests in a hurry.
     double pauseScale = 1;
 };

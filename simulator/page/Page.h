@@ -7,11 +7,12 @@
 namespace Brenmoor {
 namespace TavoSimulator {
 
-/// Whether a target is a file of the page.
+/// Whether a target is one of the page's: "/" or anything under "/page/".
 bool IsPage(const std::string& target);
 
-/// The file. Throws a Refusal when there is none.
-Reply PageReply(const std::string& path);
+/// The page's file that the request is for, or "304 Not Modified" for a browser that has it.
+/// Throws a Refusal when there is none.
+Reply PageReply(const Request& request);
 
 } // namespace TavoSimulator
 } // namespace Brenmoor

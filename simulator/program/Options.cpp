@@ -110,7 +110,8 @@ void Describe(CLI::App& app, Options& options, std::string& scenarioFile) {
         ->type_name("FILE")
         ->check(CLI::ExistingFile);
     app.add_flag("--quiet", options.quiet, "Do not print a line for every exchange");
-    app.add_flag("--headless", "Do not serve the page")->group("");
+    app.add_flag_callback(
+        "--headless", [&settings] { settings.page = false; }, "Do not serve the page");
 }
 
 } // namespace

@@ -86,6 +86,9 @@ void Send(const Reply& reply, HTTPServerResponse& response) {
     if (!reply.allow.empty()) {
         response.set("Allow", reply.allow);
     }
+    for (const auto& [name, value] : reply.headers) {
+        response.set(name, value);
+    }
     response.setContentType(reply.type);
     if (reply.stream) {
         response.set("Cache-Control", "no-store");

@@ -26,6 +26,8 @@ struct Reply {
     std::function<void(std::ostream&)> stream;
     /// When not empty, the methods that the target takes.
     std::string allow;
+    /// Further header lines.
+    std::vector<std::pair<std::string, std::string>> headers;
 };
 
 /// The answer "200 OK" with the body "OK".

@@ -42,6 +42,8 @@ TEST(Options, ValuesFollowAsArgumentOrBehindEquals) {
     EXPECT_EQ(options.settings.mostPayloads, 3U);
     EXPECT_EQ(options.settings.mostUploadBytes, 100U);
     EXPECT_EQ(ParseOptions({"--address", "::1"}).options.address, "::1");
+    EXPECT_TRUE(options.settings.page);
+    EXPECT_FALSE(ParseOptions({"--headless"}).options.settings.page);
 }
 
 TEST(Options, SaysWhatIsWrong) {
