@@ -1,7 +1,7 @@
 // Any bytes as a server's whole reply, over a real connection, to each kind of transfer.
 
 #include "Fuzz.h"
-#include "ReplyServer.h"
+#include "support/ReplyServer.h"
 
 #include <TavoRemotingLib/CurlUtils.h>
 
@@ -47,7 +47,7 @@ bool IsSubsequence(const std::string& part, const std::string& whole) {
 } // namespace
 
 void Try(const std::string& input) {
-    static ReplyServer server;
+    static Testing::ReplyServer server;
     server.Serve(input);
     const std::string url = "http://" + server.Address() + "/x";
     std::ostringstream log;

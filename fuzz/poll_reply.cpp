@@ -1,7 +1,7 @@
 // Any text as the body of a poll's reply, over a real connection.
 
 #include "Fuzz.h"
-#include "ReplyServer.h"
+#include "support/ReplyServer.h"
 
 #include <TavoRemotingLib/HalcyrREST.h>
 
@@ -43,7 +43,7 @@ bool Poll(HalcyrREST& client, Results& results, bool isEmpty) {
 } // namespace
 
 void Try(const std::string& input) {
-    static ReplyServer server;
+    static Testing::ReplyServer server;
     server.Serve("HTTP/1.1 200 OK\r\nContent-Length: " + std::to_string(input.size()) + "\r\n\r\n" +
                  input);
     std::ostringstream log;

@@ -113,7 +113,7 @@ protected:
         words.insert(words.end(), options.begin(), options.end());
         Outcome outcome = RunTavo(words);
         target = server.OnlyRequest();
-        target = target.substr(0, target.find(" HTTP"));
+        target.resize(target.find(" HTTP"));
         const std::size_t address = outcome.err.find(server.Address());
         if (address != std::string::npos) {
             outcome.err.replace(address, server.Address().size(), "SERVER");

@@ -1,15 +1,16 @@
-#include "ReplyServer.h"
+#include "support/ReplyServer.h"
 
 #include <arpa/inet.h>
 #include <cerrno>
 #include <netinet/in.h>
 #include <sys/socket.h>
+#include <sys/time.h>
 #include <system_error>
 #include <unistd.h>
 
 namespace Brenmoor {
 namespace TavoRemotingLib {
-namespace Fuzzing {
+namespace Testing {
 
 namespace {
 
@@ -34,8 +35,9 @@ bool IsWhole(const std::string& request) {
 
 } // namespace
 
-ReplyServer::ReplyServer()
-    : listener(Checked(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0), "socket")), port(0) {
+ReplyServer::ReplyServer(int patience)
+    : patienceSeconds(patience),
+      listener(Checked(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0), "socket")), port(0) {
     sockaddr_in address = {};
     address.sin_family = AF_INET;
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
@@ -76,6 +78,8 @@ void ReplyServer::Run() {
 }
 
 void ReplyServer::Answer(int connection) {
+    const timeval patience = {patienceSeconds, 0};
+    setsockopt(connection, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
     std::string request;
     char buffer[16384];
     while (!IsWhole(request)) {
@@ -100,6 +104,6 @@ void ReplyServer::Answer(int connection) {
     }
 }
 
-} // namespace Fuzzing
+} // namespace Testing
 } // namespace TavoRemotingLib
 } // namespace Brenmoor

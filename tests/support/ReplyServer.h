@@ -6,13 +6,14 @@
 
 namespace Brenmoor {
 namespace TavoRemotingLib {
-namespace Fuzzing {
+namespace Testing {
 
 /// A server on a free port of the loopback interface that reads each request whole, sends the same
 /// bytes and closes the connection.
 class ReplyServer {
 public:
-    ReplyServer();
+    /// Closes a connection also when nothing comes for that many seconds; 0 waits without limit.
+    explicit ReplyServer(int patienceSeconds = 0);
     ReplyServer(const ReplyServer&) = delete;
     ReplyServer& operator=(const ReplyServer&) = delete;
     ~ReplyServer();
@@ -27,6 +28,7 @@ private:
     void Run();
     void Answer(int connection);
 
+    const int patienceSeconds;
     int listener;
     unsigned short port;
     std::mutex mutex;
@@ -34,6 +36,6 @@ private:
     std::thread thread;
 };
 
-} // namespace Fuzzing
+} // namespace Testing
 } // namespace TavoRemotingLib
 } // namespace Brenmoor
