@@ -2,12 +2,15 @@
 
 #include "support/Program.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <fcntl.h>
+#include <iterator>
 #include <ostream>
 #include <poll.h>
 #include <pty.h>
+#include <set>
 #include <sys/wait.h>
 #include <system_error>
 #include <unistd.h>
@@ -53,15 +56,22 @@ bool Begins(const std::string& text, const std::string& beginning) {
     return text.rfind(beginning, 0) == 0;
 }
 
-/// The test's environment without what would change the program, and the call's own.
+std::string NameOf(const std::string& variable) {
+    return variable.substr(0, variable.find('='));
+}
+
+/// The call's own variables, and those of the test but what would change the program.
 std::vector<std::string> Variables(const std::vector<std::string>& added) {
-    // Of several with one name, the first counts.
     std::vector<std::string> variables = added;
-    variables.emplace_back("TERM=xterm");
+    std::set<std::string> taken = {"ALL_PROXY", "NO_COLOR"};
+    std::transform(added.begin(), added.end(), std::inserter(taken, taken.end()), NameOf);
+    if (taken.insert("TERM").second) {
+        variables.emplace_back("TERM=xterm");
+    }
     for (const std::string& variable : TavoRemotingLib::Testing::Environment()) {
-        const std::string name = variable.substr(0, variable.find('='));
+        const std::string name = NameOf(variable);
         const bool isProxy = name.size() > 6 && name.find("_proxy") == name.size() - 6;
-        if (!Begins(name, "TAVO_") && !isProxy && name != "ALL_PROXY" && name != "NO_COLOR") {
+        if (!Begins(name, "TAVO_") && !isProxy && taken.count(name) == 0) {
             variables.push_back(variable);
         }
     }
