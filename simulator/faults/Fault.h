@@ -2,6 +2,8 @@
 
 #include "wire/Exchange.h"
 
+#include <chrono>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -10,22 +12,33 @@ namespace TavoSimulator {
 
 class Line;
 
+/// The exchange that a fault strikes.
+struct Occasion {
+    /// The reply as it would have been; "200 OK" with the body "OK" when the operation was not
+    /// carried out.
+    Reply healthy;
+    /// The first payload of the request; empty when it names none.
+    std::string id;
+    /// How long the client will still wait.
+    std::chrono::milliseconds untilLimit{0};
+};
+
 /// One way in which a reply goes wrong.
 struct Fault {
-    /// When it strikes. In the first two cases the operation is not carried out; in the last it is,
-    /// and only its reply goes wrong.
-    enum class When { BeforeBody, InBody, InReply };
+    /// When it strikes: before or within the request's body, with the operation left alone; behind
+    /// the whole request, with the operation left alone; or behind the operation, of which only the
+    /// reply goes wrong.
+    enum class When { BeforeBody, InBody, Instead, InReply };
 
     /// Small letters, digits and hyphens; what a user asks for it by.
     const char* name;
-    /// What part of a reply goes wrong, as in "headers".
-    const char* group;
     /// One line, without a full stop.
     const char* summary;
     When when;
-    /// Plays it on the line, which is closed afterwards. `healthy` is the reply as it would have
-    /// been; in the first two cases it is "200 OK" with the body "OK".
-    void (*play)(Line& line, const Reply& healthy);
+    /// Plays it on the line, which is closed afterwards.
+    std::function<void(Line& line, const Occasion& occasion)> play;
+    /// What part of a reply goes wrong, as in "headers". The catalogue fills it in.
+    const char* group = "";
 };
 
 /// Every fault there is, in the order in which they are shown.
@@ -33,6 +46,9 @@ const std::vector<Fault>& FaultCatalogue();
 
 /// The fault of this name. Throws a Refusal when there is none.
 const Fault& FindFault(const std::string& name);
+
+/// How long the client waits for the reply to a request, in all.
+std::chrono::milliseconds ClientLimit(const std::string& target);
 
 } // namespace TavoSimulator
 } // namespace Brenmoor

@@ -21,6 +21,10 @@ FaultPlan::FaultPlan(Changes& theChanges) : changes(theChanges) {}
 
 ArmedFault FaultPlan::Arm(ArmedFault armed, std::uint64_t seed) {
     FindFault(armed.fault);
+    if (armed.probability.has_value() == armed.count.has_value() ||
+        armed.count == std::uint64_t{0}) {
+        throw BadRequest("A fault needs a count of 1 or more, or a probability");
+    }
     const std::lock_guard<std::mutex> lock(mutex);
     armed.number = ++lastNumber;
     items.push_back({armed, std::mt19937_64(seed)});

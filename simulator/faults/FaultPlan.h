@@ -33,7 +33,7 @@ public:
     explicit FaultPlan(Changes& changes);
 
     /// Arms a fault. `seed` decides its chances. Returns it with its number.
-    /// Throws a Refusal for an unknown fault.
+    /// Throws a Refusal for an unknown fault, and unless it has either a count or a probability.
     ArmedFault Arm(ArmedFault armed, std::uint64_t seed);
 
     /// Disarms one, or all without a number. False when there is none of that number.

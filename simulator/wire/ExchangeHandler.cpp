@@ -3,7 +3,7 @@
 #include "Json.h"
 #include "RecordedSocket.h"
 #include "control/Control.h"
-#include "faults/Line.h"
+#include "faults/SocketLine.h"
 #include "operations/Operations.h"
 #include "operations/Scrutiny.h"
 
@@ -49,6 +49,7 @@ public:
         entry.recording = recorded.TakeRecording();
         Describe(entry);
         operation = entry.operation;
+        ids = entry.ids;
         number = world.traffic.Begin(std::move(entry));
     }
 
@@ -139,19 +140,20 @@ private:
     }
 
     void Play(const Fault& fault) {
-        const auto readBody = [this](std::size_t most) {
-            in.stream().ignore(static_cast<std::streamsize>(
-                std::min<std::size_t>(most, std::numeric_limits<std::streamsize>::max())));
-        };
-        Line line(
-            socket, [this] { return world.changes.Closed(); }, readBody, world.settings.pauseScale);
-        const bool carriedOut = fault.when == Fault::When::InReply;
-        const Reply healthy = carriedOut ? Answered() : Ok();
-        if (carriedOut) {
+        SocketLine line(
+            socket, in.stream(), [this] { return world.changes.Closed(); },
+            world.settings.pauseScale);
+        Occasion occasion;
+        occasion.id = ids.empty() ? "" : ids.front();
+        occasion.healthy = fault.when == Fault::When::InReply ? Answered() : Ok();
+        if (fault.when == Fault::When::InReply || fault.when == Fault::When::Instead) {
             Drain(in);
         }
+        occasion.untilLimit =
+            ClientLimit(in.getURI()) -
+            std::chrono::ceil<std::chrono::milliseconds>(RealClock::now() - begin);
         try {
-            fault.play(line, healthy);
+            fault.play(line, occasion);
         } catch (const Line::Ended&) { // NOLINT(bugprone-empty-catch)
             // The client has enough of it, which is all that a fault can want.
         }
@@ -165,6 +167,7 @@ private:
     Poco::Net::StreamSocket& socket;
     RecordedSocket& recorded;
     std::string operation;
+    std::vector<std::string> ids;
     std::uint64_t number = 0;
     const RealClock::time_point begin = RealClock::now();
 };

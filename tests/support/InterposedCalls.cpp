@@ -68,6 +68,10 @@ CURLcode __wrap_curl_easy_setopt(CURL* handle, int optionNumber, ...) {
     if (const auto result = Enter("curl_easy_setopt", details)) {
         return static_cast<CURLcode>(*result);
     }
+    const Interposer* const interposer = Interposer::Active();
+    if (interposer != nullptr && option == CURLOPT_TIMEOUT && interposer->TimeLimit()) {
+        return __real_curl_easy_setopt(handle, CURLOPT_TIMEOUT_MS, *interposer->TimeLimit());
+    }
     return isNumber ? __real_curl_easy_setopt(handle, option, number)
                     : __real_curl_easy_setopt(handle, option, pointer);
 }

@@ -34,6 +34,10 @@ void Interposer::SetConnectTime(double seconds) {
     connectTime = seconds;
 }
 
+void Interposer::ShortenTimeLimit(long milliseconds) {
+    timeLimit = milliseconds;
+}
+
 void Interposer::SetMultiTimeout(long milliseconds) {
     multiTimeout = milliseconds;
 }
@@ -84,6 +88,10 @@ void Interposer::Count(int change) {
 
 std::optional<double> Interposer::ConnectTime() const {
     return connectTime;
+}
+
+std::optional<long> Interposer::TimeLimit() const {
+    return timeLimit;
 }
 
 std::optional<long> Interposer::MultiTimeout() const {

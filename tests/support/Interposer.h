@@ -37,6 +37,10 @@ public:
     /// What CURLINFO_CONNECT_TIME yields from now on, in seconds.
     void SetConnectTime(double seconds);
 
+    /// The limit for the whole exchange that libcurl is given from now on, in milliseconds, in the
+    /// place of the library's own.
+    void ShortenTimeLimit(long milliseconds);
+
     /// What curl_multi_timeout() yields from now on, in milliseconds.
     void SetMultiTimeout(long milliseconds);
 
@@ -65,6 +69,7 @@ public:
     std::optional<int> Enter(const std::string& call, const std::string& details = {});
     void Count(int change);
     std::optional<double> ConnectTime() const;
+    std::optional<long> TimeLimit() const;
     std::optional<long> MultiTimeout() const;
     std::optional<std::string> ParseMessage() const;
 
@@ -78,6 +83,7 @@ private:
     std::map<std::string, Failure> failures;
     std::map<std::string, int> always;
     std::optional<double> connectTime;
+    std::optional<long> timeLimit;
     std::optional<long> multiTimeout;
     std::optional<std::string> parseMessage;
     std::vector<std::string> calls;

@@ -1,0 +1,82 @@
+#include "FaultPage.h"
+
+#include <cstdlib>
+#include <map>
+
+namespace Brenmoor {
+namespace TavoRemotingLib {
+namespace Testing {
+
+namespace {
+
+using TavoSimulator::Fault;
+
+/// With UPDATE=1 in the environment, docs/faults.md is written anew instead of compared: run the
+/// whole program so after a change, and look at what changed in the page.
+class Update : public ::testing::Environment {
+public:
+    static bool Asked() {
+        return std::getenv("UPDATE") != nullptr;
+    }
+
+    static std::map<std::string, std::string>& Rows() {
+        static std::map<std::string, std::string> rows;
+        return rows;
+    }
+
+    void TearDown() override {
+        if (!Asked()) {
+            return;
+        }
+        std::vector<std::string> all;
+        for (const Fault& fault : TavoSimulator::FaultCatalogue()) {
+            ASSERT_EQ(Rows().count(fault.name), 1U) << "run the whole program";
+            all.push_back(Rows()[fault.name]);
+        }
+        WritePage(all);
+    }
+};
+
+const ::testing::Environment* const update = ::testing::AddGlobalTestEnvironment(new Update);
+
+class FaultOutcome : public ::testing::TestWithParam<const Fault*> {};
+
+std::vector<const Fault*> AllFaults() {
+    std::vector<const Fault*> faults;
+    for (const Fault& fault : TavoSimulator::FaultCatalogue()) {
+        faults.push_back(&fault);
+    }
+    return faults;
+}
+
+std::string TestName(const ::testing::TestParamInfo<const Fault*>& info) {
+    std::string name = info.param->name;
+    for (char& character : name) {
+        character = character == '-' ? '_' : character;
+    }
+    return name;
+}
+
+INSTANTIATE_TEST_SUITE_P(Of, FaultOutcome, ::testing::ValuesIn(AllFaults()), TestName);
+
+TEST_P(FaultOutcome, IsAsThePageTells) {
+    const Fault& fault = *GetParam();
+    const std::string rows = RowsOf(fault, Victim(fault).Outcomes());
+    if (Update::Asked()) {
+        Update::Rows()[fault.name] = rows;
+    } else {
+        EXPECT_EQ(RowsInPage(fault.name), rows);
+    }
+}
+
+TEST(FaultPage, HasEveryFaultOfTheCatalogueInItsOrder) {
+    if (!Update::Asked()) {
+        EXPECT_EQ(NamesInPage(), NamesInCatalogue());
+    }
+}
+
+} // namespace
+
+} // namespace Testing
+} // namespace TavoRemotingLib
+} // namespace Brenmoor
