@@ -76,6 +76,18 @@ TEST_F(FaultPlanTest, AnUnknownFaultIsRefused) {
     }
 }
 
+TEST_F(FaultPlanTest, OneThatWouldNeverOrTwiceBeOverIsRefused) {
+    ArmedFault both = Counted("silence", "all", 1);
+    both.probability = 1;
+    ArmedFault neither = both;
+    neither.count.reset();
+    neither.probability.reset();
+    for (const ArmedFault& armed : {both, neither, Counted("silence", "all", 0)}) {
+        EXPECT_THROW(plan.Arm(armed, 1), Refusal);
+    }
+    EXPECT_TRUE(plan.Armed().empty());
+}
+
 } // namespace
 
 } // namespace Testing
