@@ -162,6 +162,11 @@ public:
     void DebugOut(std::ostream& out) const;
 
 protected:
+    /// @cond For the library's own client: takes the address over instead of copying it.
+    TAVO_LOCAL HttpGet(MirrinFramework::Logger& logger, bool trace, long limitSeconds,
+                       std::string&& requestUrl);
+    /// @endcond
+
     bool verbose;        ///< whether libcurl's trace is shown
     long timeoutSeconds; ///< the exchange's limit as given
 };

@@ -287,9 +287,8 @@ public:
 private:
     std::string Address(const char* operation) const;
     std::string Address(const char* operation, const std::string& id) const;
-    std::string Get(const std::string& address, const std::string& label) const;
-    std::string Get(const std::string& address, const std::string& label,
-                    long timeoutSeconds) const;
+    std::string Get(std::string&& address, const std::string& label) const;
+    std::string Get(std::string&& address, const std::string& label, long timeoutSeconds) const;
     void Upload(const std::string& address, const std::string& content, bool contentIsFileName,
                 const std::string& label) const;
     void SendFile(const char* operation, const std::string& id, const std::string& fileName,

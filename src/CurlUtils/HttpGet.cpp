@@ -10,7 +10,12 @@ namespace CurlUtils {
 
 HttpGet::HttpGet(const std::string& requestUrl, MirrinFramework::Logger& logger, bool trace,
                  long limitSeconds)
-    : CurlOperationBase(requestUrl), verbose(trace), timeoutSeconds(limitSeconds) {
+    : HttpGet(logger, trace, limitSeconds, std::string(requestUrl)) {}
+
+HttpGet::HttpGet(MirrinFramework::Logger& logger, bool trace, long limitSeconds,
+                 std::string&& requestUrl)
+    : CurlOperationBase(std::string()), verbose(trace), timeoutSeconds(limitSeconds) {
+    url.swap(requestUrl);
     *MirrinFramework::Logger::Locked(logger) << "HTTP GET " << url << std::endl;
     InitCurl(false);
     SetOpt(CURLOPT_URL, url.c_str());

@@ -15,6 +15,13 @@ constexpr long limitSeconds = 300;
 
 constexpr std::size_t usualAddress = 200;
 
+/// A GET that need not copy its address.
+class Exchange : public CurlUtils::HttpGet {
+public:
+    Exchange(std::string&& address, MirrinFramework::Logger& logger, bool trace, long seconds)
+        : HttpGet(logger, trace, seconds, std::move(address)) {}
+};
+
 } // namespace
 
 HalcyrREST::HalcyrREST(const std::string& serverAddress, MirrinFramework::Logger& hostLogger,
@@ -38,13 +45,13 @@ std::string HalcyrREST::Address(const char* operation, const std::string& id) co
     return address;
 }
 
-std::string HalcyrREST::Get(const std::string& address, const std::string& label) const {
-    return Get(address, label, limitSeconds);
+std::string HalcyrREST::Get(std::string&& address, const std::string& label) const {
+    return Get(std::move(address), label, limitSeconds);
 }
 
-std::string HalcyrREST::Get(const std::string& address, const std::string& label,
+std::string HalcyrREST::Get(std::string&& address, const std::string& label,
                             long timeoutSeconds) const {
-    CurlUtils::HttpGet transfer(address, logger, verbose, timeoutSeconds);
+    Exchange transfer(std::move(address), logger, verbose, timeoutSeconds);
     ExpectOK(transfer, label);
     return std::move(transfer.body);
 }

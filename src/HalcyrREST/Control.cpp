@@ -3,6 +3,8 @@
 
 #include <TavoRemotingLib/HalcyrREST.h>
 
+#include <utility>
+
 namespace Brenmoor {
 namespace TavoRemotingLib {
 
@@ -30,7 +32,7 @@ void HalcyrREST::SetPayloadKELDSwitch(const std::string& id, bool on) {
 }
 
 void HalcyrREST::Switch(const std::string& address) const {
-    const std::string reply = Get(address, "Set Payload KELD Switch");
+    const std::string reply = Get(std::string(address), "Set Payload KELD Switch");
     if (Trimmed(reply) != "OK") {
         throw std::runtime_error("Server operation returned '" + reply + "' for " + address);
     }
@@ -39,7 +41,7 @@ void HalcyrREST::Switch(const std::string& address) const {
 std::string HalcyrREST::RunScript(const std::string& id, const std::string& command) {
     std::string address = Address("script", id);
     AppendEncoded(address += "&cmd=", command);
-    return Get(address, "Run Script");
+    return Get(std::move(address), "Run Script");
 }
 
 void HalcyrREST::RegistrationComplete(const std::string& id) {

@@ -16,6 +16,17 @@ constexpr bool IsUnreserved(char character) {
            character == '.' || character == '~';
 }
 
+void AppendByte(std::string& address, char character) {
+    const auto byte = static_cast<unsigned char>(character);
+    // The letters of the process's C locale pass, too, deliberately.
+    if (IsUnreserved(character) || std::isalnum(byte) != 0) {
+        address += character;
+    } else {
+        address += '%';
+        address += MirrinFramework::ultos(byte, 16, 2, 0);
+    }
+}
+
 } // namespace
 
 void AppendEncoded(std::string& address, const std::string& value) {
@@ -26,14 +37,7 @@ void AppendEncoded(std::string& address, const std::string& value) {
     }
     address.append(value, 0, next);
     for (; next < value.size(); ++next) {
-        const auto byte = static_cast<unsigned char>(value[next]);
-        // The letters of the process's C locale pass, too, deliberately.
-        if (IsUnreserved(value[next]) || std::isalnum(byte) != 0) {
-            address += value[next];
-        } else {
-            address += '%';
-            address += MirrinFramework::ultos(byte, 16, 2, 0);
-        }
+        AppendByte(address, value[next]);
     }
 }
 

@@ -107,7 +107,7 @@ void HalcyrREST::Poll(std::vector<std::string>& ids, std::vector<RemoteCommand>*
     address += ClearAndAsk(commands, gps, shutdown, maxCommands);
     const long waitMs = timeoutMs >= 0 ? timeoutMs : defaultTimeoutMs;
     address += "&timeout=" + std::to_string(waitMs);
-    const std::string body = Get(address, "Poll", PollLimitSeconds(waitMs));
+    const std::string body = Get(std::move(address), "Poll", PollLimitSeconds(waitMs));
     if (body.empty()) {
         throw EmptyCommandException("The command returned was empty");
     }

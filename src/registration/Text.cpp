@@ -5,15 +5,35 @@
 namespace Brenmoor {
 namespace TavoRemotingLib {
 
+namespace {
+
+bool IsClassicSpace(char character) {
+    return character == ' ' || (character >= '\t' && character <= '\r');
+}
+
+template <typename IsSpace>
+std::string_view TrimmedOf(std::string_view text, IsSpace isSpace) {
+    while (!text.empty() && isSpace(text.front())) {
+        text.remove_prefix(1);
+    }
+    while (!text.empty() && isSpace(text.back())) {
+        text.remove_suffix(1);
+    }
+    return text;
+}
+
+} // namespace
+
 std::string_view Trimmed(std::string_view text) {
     const std::locale locale;
-    const auto& characters = std::use_facet<std::ctype<char>>(locale);
-    const char* end = text.data() + text.size();
-    const char* const begin = characters.scan_not(std::ctype_base::space, text.data(), end);
-    while (end != begin && characters.is(std::ctype_base::space, end[-1])) {
-        --end;
+    // The usual one, of which it is known what looking up its facet would tell.
+    if (locale == std::locale::classic()) {
+        return TrimmedOf(text, &IsClassicSpace);
     }
-    return {begin, static_cast<std::size_t>(end - begin)};
+    const auto& characters = std::use_facet<std::ctype<char>>(locale);
+    return TrimmedOf(text, [&characters](char character) {
+        return characters.is(std::ctype_base::space, character);
+    });
 }
 
 bool HasBraces(std::string_view trimmed) {
