@@ -1,7 +1,9 @@
 #include <TavoRemotingLib/CurlUtils.h>
 
+#include <algorithm>
 #include <ostream>
 #include <type_traits>
+#include <utility>
 
 namespace Brenmoor {
 namespace TavoRemotingLib {
@@ -14,6 +16,9 @@ static_assert(sizeof(void*) != 4 || std::is_same<std::size_t, unsigned int>::val
 namespace {
 
 constexpr std::size_t usualHeaders = 12;
+/// Room that short lines get, too: blocks of one size are found again at once, while the smallest
+/// ones are what libcurl takes and gives back all the time.
+constexpr std::size_t usualLine = 64;
 
 /// ThrowEasy(), but the label becomes a string only for an error.
 void Check(CURLcode code, const char* label) {
@@ -73,8 +78,14 @@ std::size_t CurlOperationBase::WriteHeader(void* data, std::size_t size,
         if (headers.empty()) {
             headers.reserve(usualHeaders); // one allocation instead of one for each doubling
         }
-        headers.emplace_back(static_cast<const char*>(data), size * count);
-        return size * count;
+        const std::size_t length = size * count;
+        std::string line;
+        if (length > line.capacity()) {
+            line.reserve(std::max(length, usualLine));
+        }
+        line.assign(static_cast<const char*>(data), length);
+        headers.push_back(std::move(line));
+        return length;
     } catch (...) {
         return 0;
     }
