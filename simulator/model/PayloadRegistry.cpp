@@ -96,7 +96,7 @@ PollResult PayloadRegistry::Poll(const PollRequest& request) {
     std::unique_lock<std::mutex> lock(mutex);
     const double deadline = clock.Seconds() + request.timeoutSeconds;
     PollResult result;
-    for (;;) {
+    for (bool held = false;; held = true) {
         if (closed) {
             result.end = PollResult::End::Closed;
             return result;
@@ -112,6 +112,11 @@ PollResult PayloadRegistry::Poll(const PollRequest& request) {
         }
         if (now >= deadline) {
             return result;
+        }
+        if (!held && heldPolls >= mostHeldPolls) {
+            throw Refusal(503, "Service Unavailable",
+                          "There are " + std::to_string(mostHeldPolls) +
+                              " held polls already, which is the most");
         }
         Hold(lock, request, deadline);
     }
@@ -141,6 +146,9 @@ void PayloadRegistry::Hold(std::unique_lock<std::mutex>& lock, const PollRequest
 std::optional<PollResult> PayloadRegistry::News(const PollRequest& request, double now) {
     PollResult result;
     result.end = PollResult::End::News;
+    for (const std::string& id : request.ids) {
+        Find(id); // before anything is taken, since one payload too many is refused
+    }
     for (const std::string& id : request.ids) {
         Payload& payload = Find(id);
         payload.lastSeen = now;

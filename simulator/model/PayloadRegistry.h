@@ -47,6 +47,9 @@ class PayloadRegistry {
 public:
     using Payloads = std::map<std::string, Payload>;
 
+    /// Since each one that is held occupies a thread.
+    static constexpr std::size_t mostHeldPolls = 448;
+
     PayloadRegistry(const Clock& clock, const Vehicle& vehicle, Changes& changes,
                     std::size_t mostPayloads = 1000);
 
@@ -67,7 +70,8 @@ public:
     std::uint64_t NewNumber();
 
     /// Holds the caller until one of the payloads has something that was asked for, the time is
-    /// up, the one who polls has hung up, or the registry is closed. Throws as Change does.
+    /// up, the one who polls has hung up, or the registry is closed. Throws as Change does, and a
+    /// Refusal for one held poll too many.
     PollResult Poll(const PollRequest& request);
 
     /// How many polls are held at this moment.

@@ -13,10 +13,17 @@ namespace {
 
 std::size_t KeptBytes(const TrafficEntry& entry) {
     constexpr std::uint64_t most = Recording::most;
+    std::size_t kept = entry.target.size() + entry.method.size() + entry.operation.size();
+    for (const std::string& id : entry.ids) {
+        kept += id.size();
+    }
+    for (const std::string& flag : entry.flags) {
+        kept += flag.size();
+    }
     return entry.recording == nullptr
-               ? 0
-               : static_cast<std::size_t>(std::min(entry.recording->ReceivedCount(), most) +
-                                          std::min(entry.recording->SentCount(), most));
+               ? kept
+               : kept + static_cast<std::size_t>(std::min(entry.recording->ReceivedCount(), most) +
+                                                 std::min(entry.recording->SentCount(), most));
 }
 
 } // namespace

@@ -27,6 +27,9 @@ struct Settings {
     std::uintmax_t mostUploadBytes = std::uintmax_t{2} * 1024 * 1024 * 1024;
     /// Whether the page is served.
     bool page = true;
+    /// How long a client may take for a request up to its content, and lie there before it.
+    double longestHeadSeconds = 10;
+    double longestIdleSeconds = 60;
     /// How long the pauses of faults are, for tests in a hurry.
     double pauseScale = 1;
 };

@@ -4,9 +4,11 @@
 #include "wire/Server.h"
 
 #include <Poco/Exception.h>
+#include <algorithm>
 #include <csignal>
 #include <fstream>
 #include <iostream>
+#include <sys/resource.h>
 
 namespace {
 
@@ -79,7 +81,16 @@ ExitCode Tell(const Player::Report& report, bool ended) {
     return report.met && ended ? ExitCode::Success : ExitCode::ScenarioNotMet;
 }
 
+/// Idle connections take no more than descriptors, of which there are few unless asked for.
+void RaiseDescriptorLimit() {
+    rlimit limit{};
+    getrlimit(RLIMIT_NOFILE, &limit);
+    limit.rlim_cur = std::min<rlim_t>(limit.rlim_max, 8192);
+    setrlimit(RLIMIT_NOFILE, &limit);
+}
+
 ExitCode Serve(const Options& options) {
+    RaiseDescriptorLimit();
     const EndingSignals signals;
     std::signal(SIGPIPE, SIG_IGN);
 

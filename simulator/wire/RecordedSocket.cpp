@@ -1,7 +1,9 @@
 #include "RecordedSocket.h"
+#include "WaitingRoom.h"
 
+#include <Poco/Exception.h>
 #include <Poco/Net/ServerSocketImpl.h>
-#include <cerrno>
+#include <optional>
 #include <sys/socket.h>
 
 namespace Brenmoor {
@@ -11,29 +13,45 @@ namespace {
 
 using Poco::Net::SocketAddress;
 
+// Those that lie there idle; the limit of descriptors is this program's own.
+constexpr std::size_t mostIdle = 4096;
+
 class RecordingServerSocket : public Poco::Net::ServerSocketImpl {
 public:
-    explicit RecordingServerSocket(RecordedSocket::Leftover theLeftover)
-        : leftover(std::move(theLeftover)) {}
+    explicit RecordingServerSocket(Listening theListening) : listening(std::move(theListening)) {}
+
+    void Open() {
+        // Without reusePort: two simulators on one port would share its connections unnoticed.
+        bind(SocketAddress(listening.address, listening.port), /* reuseAddress = */ true,
+             /* reusePort = */ false);
+        listen(listening.backlog);
+        setBlocking(false);
+        room.emplace(sockfd(), mostIdle, listening.longestIdle, listening.busy);
+    }
+
+    bool poll(const Poco::Timespan& timeout, int) override {
+        return room->Await(std::chrono::milliseconds(timeout.totalMilliseconds()));
+    }
 
     Poco::Net::SocketImpl* acceptConnection(SocketAddress& peer) override {
-        for (;;) {
-            sockaddr_storage storage{};
-            socklen_t size = sizeof storage;
-            auto* const address = reinterpret_cast<sockaddr*>(&storage);
-            const int descriptor = accept4(sockfd(), address, &size, SOCK_CLOEXEC);
-            if (descriptor >= 0) {
-                peer = SocketAddress(address, size);
-                return new RecordedSocket(descriptor, peer.toString(), leftover);
-            }
-            if (errno != EINTR) {
-                error(); // throws
-            }
+        const int descriptor = room->Take();
+        if (descriptor < 0) {
+            throw Poco::TimeoutException();
         }
+        sockaddr_storage storage{};
+        socklen_t size = sizeof storage;
+        auto* const address = reinterpret_cast<sockaddr*>(&storage);
+        // Not of one that has already gone.
+        if (getpeername(descriptor, address, &size) == 0) {
+            peer = SocketAddress(address, size);
+        }
+        return new RecordedSocket(descriptor, peer.toString(), listening.leftover,
+                                  listening.longestHead);
     }
 
 private:
-    const RecordedSocket::Leftover leftover;
+    const Listening listening;
+    std::optional<WaitingRoom> room;
 };
 
 /// The only way to give a ServerSocket another implementation.
@@ -46,8 +64,10 @@ public:
 } // namespace
 
 RecordedSocket::RecordedSocket(poco_socket_t descriptor, std::string thePeer,
-                               const Leftover& theLeftover)
-    : StreamSocketImpl(descriptor), peer(std::move(thePeer)), leftover(theLeftover) {}
+                               const Leftover& theLeftover,
+                               std::chrono::milliseconds theLongestHead)
+    : StreamSocketImpl(descriptor), peer(std::move(thePeer)), leftover(theLeftover),
+      longestHead(theLongestHead) {}
 
 RecordedSocket::~RecordedSocket() {
     if (!taken && recording->ReceivedCount() > 0) {
@@ -69,7 +89,19 @@ int RecordedSocket::sendBytes(const void* buffer, int length, int flags) {
     return sent;
 }
 
+void RecordedSocket::RequireHaste() {
+    headBegin = headBegin.value_or(Real::now());
+    const auto left = std::chrono::duration_cast<std::chrono::microseconds>(
+        *headBegin + longestHead - Real::now());
+    if (left.count() <= 0 || !poll(Poco::Timespan(left.count()), SELECT_READ)) {
+        throw Poco::TimeoutException("the head of a request took too long");
+    }
+}
+
 int RecordedSocket::receiveBytes(void* buffer, int length, int flags) {
+    if (!taken && (flags & MSG_PEEK) == 0) {
+        RequireHaste();
+    }
     const int received = StreamSocketImpl::receiveBytes(buffer, length, flags);
     if (received > 0 && (flags & MSG_PEEK) == 0) {
         recording->AddReceived(static_cast<const char*>(buffer),
@@ -85,6 +117,7 @@ std::shared_ptr<const Recording> RecordedSocket::TakeRecording() {
 
 void RecordedSocket::NextExchange() {
     recording = std::make_shared<Recording>();
+    headBegin.reset();
     taken = false;
     used = true;
 }
@@ -93,12 +126,10 @@ bool RecordedSocket::IsUsed() const {
     return used;
 }
 
-Poco::Net::ServerSocket ListenRecorded(const std::string& address, std::uint16_t port, int backlog,
-                                       const RecordedSocket::Leftover& leftover) {
-    CustomServerSocket socket(new RecordingServerSocket(leftover));
-    // Without reusePort: two simulators on one port would share its connections unnoticed.
-    socket.bind(SocketAddress(address, port), /* reuseAddress = */ true, /* reusePort = */ false);
-    socket.listen(backlog);
+Poco::Net::ServerSocket ListenRecorded(const Listening& listening) {
+    auto* const implementation = new RecordingServerSocket(listening);
+    CustomServerSocket socket(implementation);
+    implementation->Open();
     return std::move(socket);
 }
 

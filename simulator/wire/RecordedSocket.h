@@ -4,8 +4,10 @@
 
 #include <Poco/Net/ServerSocket.h>
 #include <Poco/Net/StreamSocketImpl.h>
+#include <chrono>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace Brenmoor {
@@ -20,7 +22,9 @@ public:
     using Leftover = std::function<void(const std::string& peer,
                                         const std::shared_ptr<const Recording>& recording)>;
 
-    RecordedSocket(poco_socket_t descriptor, std::string peer, const Leftover& leftover);
+    /// Whoever is slower than `longestHead` with a request up to its content is hung up on.
+    RecordedSocket(poco_socket_t descriptor, std::string peer, const Leftover& leftover,
+                   std::chrono::milliseconds longestHead);
 
     int sendBytes(const void* buffer, int length, int flags) override;
     int receiveBytes(void* buffer, int length, int flags) override;
@@ -40,17 +44,36 @@ protected:
     ~RecordedSocket() override;
 
 private:
+    using Real = std::chrono::steady_clock;
+
+    void RequireHaste();
+
     const std::string peer;
     const Leftover leftover;
+    const std::chrono::milliseconds longestHead;
+    /// When this exchange's first bytes were asked for.
+    std::optional<Real::time_point> headBegin;
     std::shared_ptr<Recording> recording = std::make_shared<Recording>();
     bool taken = false;
     bool used = false;
 };
 
-/// Listens on an address and gives out connections that are recorded.
-/// Throws Poco::Exception when the address cannot be listened on.
-Poco::Net::ServerSocket ListenRecorded(const std::string& address, std::uint16_t port, int backlog,
-                                       const RecordedSocket::Leftover& leftover);
+/// How a server listens.
+struct Listening {
+    std::string address;
+    std::uint16_t port = 0;
+    int backlog = 0;
+    RecordedSocket::Leftover leftover;
+    std::chrono::milliseconds longestHead{0};
+    /// How long a connection may lie there before it sends anything.
+    std::chrono::milliseconds longestIdle{0};
+    /// While it says so, connections are refused.
+    std::function<bool()> busy;
+};
+
+/// Listens on an address and gives out connections that are recorded, once they have sent
+/// something. Throws Poco::Exception when the address cannot be listened on.
+Poco::Net::ServerSocket ListenRecorded(const Listening& listening);
 
 } // namespace TavoSimulator
 } // namespace Brenmoor

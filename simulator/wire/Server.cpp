@@ -12,6 +12,9 @@ namespace {
 
 // Every held poll occupies a thread, and a person must still get through.
 constexpr int mostConnections = 512;
+static_assert(PayloadRegistry::mostHeldPolls + 64 <= mostConnections);
+// Beyond these, those that come are told that there is too much to do.
+constexpr int mostQueued = 256;
 // How long a client may be silent within its request.
 constexpr auto longestSilenceSeconds = 30;
 constexpr auto keepAliveSeconds = 5;
@@ -38,12 +41,7 @@ class Server::Implementation {
 public:
     Implementation(World& theWorld, const std::string& address, std::uint16_t port,
                    std::ostream* lines)
-        : world(theWorld), desk(world, lines),
-          socket(ListenRecorded(
-              address, port, mostConnections,
-              [this](const std::string& peer, const std::shared_ptr<const Recording>& recording) {
-                  desk.NoteGarbage(peer, recording);
-              })),
+        : world(theWorld), desk(world, lines), socket(ListenRecorded(Manner(address, port))),
           threads(2, mostConnections),
           server(new ExchangeHandlerFactory(desk), threads, socket, Parameters()) {
         server.start();
@@ -65,6 +63,27 @@ public:
     }
 
 private:
+    static std::chrono::milliseconds Milliseconds(double seconds) {
+        return std::chrono::milliseconds(static_cast<std::int64_t>(seconds * 1000));
+    }
+
+    Listening Manner(const std::string& address, std::uint16_t port) {
+        Listening listening;
+        listening.address = address;
+        listening.port = port;
+        listening.backlog = mostConnections;
+        listening.leftover = [this](const std::string& peer,
+                                    const std::shared_ptr<const Recording>& recording) {
+            desk.NoteGarbage(peer, recording);
+        };
+        listening.longestHead = Milliseconds(world.settings.longestHeadSeconds);
+        listening.longestIdle = Milliseconds(world.settings.longestIdleSeconds);
+        listening.busy = [this] {
+            return server.queuedConnections() >= mostQueued;
+        };
+        return listening;
+    }
+
     World& world;
     ExchangeDesk desk;
     Poco::Net::ServerSocket socket;

@@ -105,6 +105,18 @@ std::string Connection::ReadAll() {
     }
 }
 
+std::string Connection::ReadUntil(const std::string& end) {
+    std::string text;
+    for (char next = '\0'; socket.receiveBytes(&next, 1) > 0;) {
+        text += next;
+        if (text.size() >= end.size() &&
+            text.compare(text.size() - end.size(), end.size(), end) == 0) {
+            break;
+        }
+    }
+    return text;
+}
+
 void Connection::EndSending() {
     socket.shutdownSend();
 }

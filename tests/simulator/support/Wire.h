@@ -47,6 +47,8 @@ public:
     void Send(const std::string& bytes);
     /// Everything up to the end of the connection, without the header line "Date".
     std::string ReadAll();
+    /// What comes up to this text, inclusive; less when the connection ends before.
+    std::string ReadUntil(const std::string& end);
     /// Says that nothing more is sent.
     void EndSending();
     void Close();
