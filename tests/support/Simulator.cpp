@@ -110,6 +110,12 @@ std::string Simulator::Output() {
     return program.RestOfOutput();
 }
 
+void Simulator::Arm(const std::string& fault) const {
+    Json::Value body;
+    body["fault"] = fault;
+    Post("faults", body);
+}
+
 void Simulator::AwaitHeldPolls(unsigned count) const {
     while (State()["heldPolls"].asUInt() != count) {
         std::this_thread::yield();

@@ -51,8 +51,8 @@ TEST(FailureOfTest, LibcurlsCodes) {
               "'host:1' is not an address: MESSAGE; write it as HOST or HOST:PORT");
     EXPECT_EQ(told(CURLE_READ_ERROR, ExitCode::Local),
               "the file to send to host:1 cannot be read: MESSAGE; check the file");
-    EXPECT_EQ(told(CURLE_OUT_OF_MEMORY, ExitCode::Local),
-              "no memory to talk to host:1: MESSAGE; free some");
+    EXPECT_EQ(told(CURLE_OUT_OF_MEMORY, ExitCode::BadReply),
+              "too much from host:1, or no memory: MESSAGE; see it with --trace");
     for (const CURLcode code : {CURLE_GOT_NOTHING, CURLE_RECV_ERROR, CURLE_PARTIAL_FILE,
                                 CURLE_UNSUPPORTED_PROTOCOL, CURLE_WEIRD_SERVER_REPLY}) {
         EXPECT_EQ(told(code, ExitCode::BadReply),

@@ -44,7 +44,9 @@ Failure CurlFailure(CURLcode code, const std::string& server, const std::string&
         return {ExitCode::Local, "the file to send to " + server + " cannot be read: " + message,
                 "check the file"};
     case CURLE_OUT_OF_MEMORY:
-        return {ExitCode::Local, "no memory to talk to " + server + ": " + message, "free some"};
+        // Said of a header line above libcurl's limit, too, which is the likelier cause.
+        return {ExitCode::BadReply, "too much from " + server + ", or no memory: " + message,
+                "see it with --trace"};
     default:
         return {ExitCode::BadReply, "broken reply from " + server + ": " + message,
                 "see it with --trace"};
