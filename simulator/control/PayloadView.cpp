@@ -66,6 +66,8 @@ Json::Value ScriptJson(const RunScript& script) {
     Json::Value json(Json::objectValue);
     json["command"] = Cut(script.command);
     json["output"] = Cut(script.output);
+    json["exitStatus"] = script.exitStatus ? Json::Value(*script.exitStatus) : Json::Value();
+    json["killed"] = script.killed.empty() ? Json::Value() : Json::Value(script.killed);
     return json;
 }
 

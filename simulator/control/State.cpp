@@ -106,6 +106,7 @@ Json::Value StateJson(const World& world) {
     state["payloads"] = PayloadsJson(world);
     state["faults"] = ArmedJson(world);
     state["scripts"] = ScriptsJson(world);
+    state["allowScripts"] = !world.settings.scriptFolder.empty();
     state["dataFolder"] = world.files.Folder().string();
     return state;
 }

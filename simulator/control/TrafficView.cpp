@@ -48,6 +48,13 @@ Json::Value SummaryJson(const Clock& clock, const TrafficEntry& entry) {
     return json;
 }
 
+std::string JournalLine(const Clock& clock, const TrafficEntry& entry) {
+    Json::Value json = SummaryJson(clock, entry);
+    json["request"] = Base64(entry.recording->Received().bytes);
+    json["reply"] = Base64(entry.recording->Sent().bytes);
+    return JsonLine(json);
+}
+
 Reply ShowTraffic(World& world, const Request& request) {
     const auto after = static_cast<std::uint64_t>(
         request.Find("after") == nullptr ? 0 : request.Number("after", 0));
@@ -93,10 +100,7 @@ Reply ShowJournal(World& world, const Request&) {
     Reply reply;
     reply.type = "application/x-ndjson";
     for (const TrafficEntry& entry : world.traffic.Entries()) {
-        Json::Value json = SummaryJson(world.clock, entry);
-        json["request"] = Base64(entry.recording->Received().bytes);
-        json["reply"] = Base64(entry.recording->Sent().bytes);
-        reply.body += JsonLine(json) + "\n";
+        reply.body += JournalLine(world.clock, entry) + "\n";
     }
     return reply;
 }

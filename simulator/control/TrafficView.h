@@ -4,12 +4,16 @@
 #include "wire/Exchange.h"
 
 #include <json/value.h>
+#include <string>
 
 namespace Brenmoor {
 namespace TavoSimulator {
 
 /// An exchange without its bytes.
 Json::Value SummaryJson(const Clock& clock, const TrafficEntry& entry);
+
+/// An exchange with its bytes, as a line of a journal without its end.
+std::string JournalLine(const Clock& clock, const TrafficEntry& entry);
 
 /// The newest exchanges behind "after", at most "most" of them.
 Reply ShowTraffic(World& world, const Request& request);

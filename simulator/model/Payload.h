@@ -38,6 +38,10 @@ struct Answer {
 struct RunScript {
     std::string command;
     std::string output;
+    /// Absent when it was not run for real, or when a signal ended it.
+    std::optional<int> exitStatus;
+    /// Why it was killed; empty when it was not.
+    std::string killed;
 };
 
 struct Packet {

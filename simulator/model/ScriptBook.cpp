@@ -1,5 +1,4 @@
 #include "ScriptBook.h"
-#include "wire/EscapedText.h"
 
 #include <Poco/String.h>
 #include <algorithm>
@@ -22,14 +21,14 @@ std::vector<ScriptRule> ScriptBook::Rules() const {
     return rules;
 }
 
-std::string ScriptBook::Output(const std::string& id, const std::string& command,
-                               double unixSeconds) const {
+std::optional<std::string> ScriptBook::Output(const std::string& id, const std::string& command,
+                                              double unixSeconds) const {
     const std::lock_guard<std::mutex> lock(mutex);
     const auto rule = std::find_if(rules.rbegin(), rules.rend(), [&](const ScriptRule& one) {
         return fnmatch(one.match.c_str(), command.c_str(), 0) == 0;
     });
     if (rule == rules.rend()) {
-        return "simulated output of '" + Escape(command) + "'\nnothing was run\n";
+        return std::nullopt;
     }
     // The command last, so that braces in it are left alone.
     std::string output =

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <mutex>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -16,13 +17,15 @@ struct ScriptRule {
     std::string output;
 };
 
-/// The outputs of scripts, none of which is ever run. The newest rule that matches counts; without
-/// one the output says that nothing was run. Every operation may be called from any thread.
+/// The outputs of scripts that are not run. The newest rule that matches counts. Every operation
+/// may be called from any thread.
 class ScriptBook {
 public:
     void Add(ScriptRule rule);
     std::vector<ScriptRule> Rules() const;
-    std::string Output(const std::string& id, const std::string& command, double unixSeconds) const;
+    /// None when no rule matches.
+    std::optional<std::string> Output(const std::string& id, const std::string& command,
+                                      double unixSeconds) const;
 
 private:
     mutable std::mutex mutex;

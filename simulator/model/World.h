@@ -4,12 +4,15 @@
 #include "Clock.h"
 #include "FileStore.h"
 #include "PayloadRegistry.h"
+#include "Replay.h"
 #include "ScriptBook.h"
+#include "ScriptRun.h"
 #include "Traffic.h"
 #include "Vehicle.h"
 #include "faults/FaultPlan.h"
 
 #include <cstddef>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -30,6 +33,11 @@ struct Settings {
     /// How long a client may take for a request up to its content, and lie there before it.
     double longestHeadSeconds = 10;
     double longestIdleSeconds = 60;
+    /// Where scripts are that may be run; none when empty.
+    std::string scriptFolder;
+    ScriptLimits scriptLimits;
+    /// When set, every reply comes from here and nothing else is carried out.
+    std::shared_ptr<Replay> replay;
     /// How long the pauses of faults are, for tests in a hurry.
     double pauseScale = 1;
 };

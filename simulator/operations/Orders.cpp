@@ -7,6 +7,31 @@
 namespace Brenmoor {
 namespace TavoSimulator {
 
+namespace {
+
+/// A rule comes before what could be run for real.
+RunScript Run(World& world, const std::string& id, const std::string& command) {
+    RunScript script;
+    script.command = command;
+    const auto canned =
+        world.scripts.Output(id, command, world.clock.UnixSeconds(world.clock.Seconds()));
+    if (canned) {
+        script.output = *canned;
+    } else if (world.settings.scriptFolder.empty()) {
+        script.output = "simulated output of '" + Escape(command) + "'\nnothing was run\n";
+    } else {
+        const ScriptRun run =
+            RunScriptIn(world.settings.scriptFolder, command, world.settings.scriptLimits,
+                        [&world] { return world.changes.Closed(); });
+        script.output = run.output;
+        script.exitStatus = run.exitStatus;
+        script.killed = run.killed;
+    }
+    return script;
+}
+
+} // namespace
+
 Reply AnswerOff(World& world, const Request& request) {
     world.payloads.Change(request.Filled("id"), [](Payload& payload) {
         payload.off = true;
@@ -36,12 +61,12 @@ Reply AnswerPower(World& world, const Request& request) {
 
 Reply AnswerScript(World& world, const Request& request) {
     const std::string& id = request.Filled("id");
-    RunScript script;
-    script.command = request.Filled("cmd");
-    script.output =
-        world.scripts.Output(id, script.command, world.clock.UnixSeconds(world.clock.Seconds()));
+    const RunScript script = Run(world, id, request.Filled("cmd"));
     const std::size_t size = script.command.size() + script.output.size();
     world.payloads.Change(id, [&](Payload& payload) { payload.scripts.Add(script, size); });
+    if (!script.killed.empty()) {
+        throw Refusal(500, "Internal Server Error", "The script was killed: " + script.killed);
+    }
     Reply reply;
     reply.body = script.output;
     return reply;

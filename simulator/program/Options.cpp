@@ -44,23 +44,27 @@ std::string FaultList() {
     return list.str();
 }
 
-std::string ReadWhole(const std::string& name) {
-    std::ifstream file(name, std::ios::binary);
-    std::ostringstream content;
-    content << file.rdbuf();
-    if (!file) {
-        throw ScenarioMistake("cannot be read");
+/// What `read` makes of a file. Throws a FileMistake that begins with its name.
+template <typename Function>
+auto FromFile(const std::string& name, const Function& read) {
+    try {
+        std::ifstream file(name, std::ios::binary);
+        if (!file) {
+            throw FileMistake("cannot be read");
+        }
+        return read(file);
+    } catch (const FileMistake& mistake) {
+        throw FileMistake(name + ": " + mistake.what());
     }
-    return content.str();
 }
 
 /// What the command line says wins over what the scenario says.
 void LoadScenario(const CLI::App& app, const std::string& name, Options& options) {
-    try {
-        options.scenario = ParseScenario(ReadWhole(name));
-    } catch (const ScenarioMistake& mistake) {
-        throw ScenarioMistake(name + ": " + mistake.what());
-    }
+    options.scenario = FromFile(name, [](std::istream& file) {
+        std::ostringstream content;
+        content << file.rdbuf();
+        return ParseScenario(content.str());
+    });
     const Scenario& scenario = *options.scenario;
     Settings& settings = options.settings;
     if (app.count("--speed") == 0) {
@@ -74,7 +78,43 @@ void LoadScenario(const CLI::App& app, const std::string& name, Options& options
     }
 }
 
-void Describe(CLI::App& app, Options& options, std::string& scenarioFile) {
+/// The files that are read before anything starts.
+struct FileNames {
+    std::string scenario;
+    std::string replay;
+};
+
+void DescribeFiles(CLI::App& app, Options& options, FileNames& files) {
+    CLI::Option* const scenario =
+        app.add_option("--scenario", files.scenario, "Play this file, and exit as it ends")
+            ->type_name("FILE")
+            ->check(CLI::ExistingFile);
+    app.add_option("--journal", options.journalFile,
+                   "Append every exchange to this file as it ends")
+        ->type_name("FILE");
+    CLI::Option* const scripts =
+        app.add_option("--allow-scripts", options.settings.scriptFolder,
+                       "Run scripts, those that are executable files in this folder")
+            ->type_name("DIR")
+            ->check(CLI::ExistingDirectory);
+    CLI::Option* const timeout =
+        app.add_option("--script-timeout", options.settings.scriptLimits.seconds,
+                       "Kill a script that runs longer")
+            ->type_name("SECONDS")
+            ->capture_default_str()
+            ->check(CLI::Range(0.001, 1e6))
+            ->needs(scripts);
+    CLI::Option* const replay =
+        app.add_option("--replay", files.replay, "Give the replies of this journal once more")
+            ->type_name("FILE")
+            ->check(CLI::ExistingFile);
+    replay->excludes(scenario)->excludes(scripts)->excludes(timeout);
+    for (const char* const name : {"--seed", "--max-payloads", "--max-upload"}) {
+        replay->excludes(app.get_option(name));
+    }
+}
+
+void Describe(CLI::App& app, Options& options, FileNames& files) {
     Settings& settings = options.settings;
     app.add_option("--port", options.port, "Listen on this port; 0 takes any free one")
         ->type_name("N")
@@ -106,9 +146,7 @@ void Describe(CLI::App& app, Options& options, std::string& scenarioFile) {
     app.add_option("--max-upload", settings.mostUploadBytes, "Refuse larger uploads")
         ->type_name("BYTES")
         ->capture_default_str();
-    app.add_option("--scenario", scenarioFile, "Play this file, and exit as it ends")
-        ->type_name("FILE")
-        ->check(CLI::ExistingFile);
+    DescribeFiles(app, options, files);
     app.add_flag("--quiet", options.quiet, "Do not print a line for every exchange");
     app.add_flag_callback(
         "--headless", [&settings] { settings.page = false; }, "Do not serve the page");
@@ -123,15 +161,19 @@ ParsedOptions ParseOptions(const std::vector<std::string>& arguments) {
     CLI::App app("A payload server for the desk.", "tavo-simulator");
     app.footer(footer);
     app.set_version_flag("--version", "tavo-simulator " TAVO_VERSION);
-    std::string scenarioFile;
-    Describe(app, options, scenarioFile);
+    FileNames files;
+    Describe(app, options, files);
     app.add_subcommand("faults", "List the faults and exit")->callback([&] {
         options.print = FaultList();
     });
     try {
         app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
-        if (!scenarioFile.empty()) {
-            LoadScenario(app, scenarioFile, options);
+        if (!files.scenario.empty()) {
+            LoadScenario(app, files.scenario, options);
+        }
+        if (!files.replay.empty()) {
+            options.settings.replay = FromFile(
+                files.replay, [](std::istream& file) { return std::make_shared<Replay>(file); });
         }
     } catch (const CLI::CallForHelp&) {
         options.print = app.help();
@@ -140,7 +182,7 @@ ParsedOptions ParseOptions(const std::vector<std::string>& arguments) {
     } catch (const CLI::ParseError& bad) {
         parsed.error = std::string(bad.what()) + "; see --help";
         std::replace(parsed.error.begin(), parsed.error.end(), '\n', ' ');
-    } catch (const ScenarioMistake& mistake) {
+    } catch (const FileMistake& mistake) {
         parsed.error = mistake.what();
     }
     return parsed;

@@ -20,6 +20,8 @@ struct Options {
     /// Empty for none.
     std::string portFile;
     bool quiet = false;
+    /// Empty for none.
+    std::string journalFile;
     /// What to play, if anything.
     std::optional<Scenario> scenario;
     /// What to print instead of serving; empty to serve. Its first word tells which subcommand.

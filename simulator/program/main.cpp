@@ -1,4 +1,5 @@
 #include "Options.h"
+#include "control/JournalFile.h"
 #include "model/World.h"
 #include "scenario/Player.h"
 #include "wire/Server.h"
@@ -99,6 +100,10 @@ ExitCode Serve(const Options& options) {
         std::filesystem::remove(options.portFile);
     }
     World world(options.settings);
+    std::optional<JournalFile> journal;
+    if (!options.journalFile.empty()) {
+        journal.emplace(options.journalFile, world);
+    }
     std::optional<Player> player;
     if (options.scenario) {
         player.emplace(*options.scenario, world);
@@ -113,14 +118,17 @@ ExitCode Serve(const Options& options) {
                              " port " + std::to_string(server->Port()) + " and keeps uploads in " +
                              world.files.Folder().string() + "\n";
     std::cout << line << std::flush;
-    if (!player) {
+    ExitCode code = ExitCode::Success;
+    if (player) {
+        const bool ended = Play(*player, signals);
+        const Player::Report report = player->Conclude();
+        server.reset();
+        code = Tell(report, ended);
+    } else {
         signals.Await();
-        return ExitCode::Success;
+        server.reset();
     }
-    const bool ended = Play(*player, signals);
-    const Player::Report report = player->Conclude();
-    server.reset();
-    return Tell(report, ended);
+    return code == ExitCode::Success && journal && journal->Failed() ? ExitCode::Failure : code;
 }
 
 int Fail(const std::string& line, ExitCode code) {

@@ -18,13 +18,13 @@ auto At(const std::string& place, const Function& read) {
     try {
         return read();
     } catch (const Refusal& refusal) {
-        throw ScenarioMistake((place.empty() ? "" : place + ": ") + refusal.what());
+        throw FileMistake((place.empty() ? "" : place + ": ") + refusal.what());
     }
 }
 
 const Json::Value& RequireObject(const Json::Value& value, const std::string& place) {
     if (!value.isObject()) {
-        throw ScenarioMistake(place + ": must be an object");
+        throw FileMistake(place + ": must be an object");
     }
     return value;
 }
@@ -38,13 +38,12 @@ std::string OtherMember(const Json::Value& object, const std::string& place, con
             continue;
         }
         if (!other.empty()) {
-            throw ScenarioMistake(place + ": '" + other + "' and '" + name +
-                                  "' exclude each other");
+            throw FileMistake(place + ": '" + other + "' and '" + name + "' exclude each other");
         }
         other = name;
     }
     if (other.empty()) {
-        throw ScenarioMistake(place + ": " + what + " is missing");
+        throw FileMistake(place + ": " + what + " is missing");
     }
     return other;
 }
@@ -74,7 +73,7 @@ Step ParseStep(const Json::Value& value, const std::string& place) {
         step.target = "/sim/v1/" + order;
         step.body = JsonLine(RequireObject(value[order], orderPlace));
     } else {
-        throw ScenarioMistake(orderPlace + ": there is no such order");
+        throw FileMistake(orderPlace + ": there is no such order");
     }
     step.place = orderPlace;
     step.at = At(place, [&] {
@@ -89,7 +88,7 @@ NamedExpectation ParseExpectation(const Json::Value& value, const std::string& p
     const std::string kindPlace = place + "." + kind;
     const ExpectationMaker maker = FindExpectationMaker(kind);
     if (maker == nullptr) {
-        throw ScenarioMistake(kindPlace + ": there is no such expectation");
+        throw FileMistake(kindPlace + ": there is no such expectation");
     }
     RequireObject(value[kind], kindPlace);
     NamedExpectation named;
@@ -112,7 +111,7 @@ std::vector<Item> ParseArray(const Json::Value& document, const std::string& nam
         return items;
     }
     if (!document[name].isArray()) {
-        throw ScenarioMistake(name + ": must be an array");
+        throw FileMistake(name + ": must be an array");
     }
     for (const Json::Value& value : document[name]) {
         items.push_back(parse(value, name + "[" + std::to_string(items.size()) + "]"));
@@ -122,7 +121,7 @@ std::vector<Item> ParseArray(const Json::Value& document, const std::string& nam
 
 void ParseEnd(const Json::Value& document, Scenario& scenario) {
     if (!document.isMember("end")) {
-        throw ScenarioMistake("end: is missing");
+        throw FileMistake("end: is missing");
     }
     const Json::Value& end = RequireObject(document["end"], "end");
     At("end", [&] {
@@ -133,10 +132,10 @@ void ParseEnd(const Json::Value& document, Scenario& scenario) {
         }
     });
     if (!scenario.endAt && !scenario.endWhenMet) {
-        throw ScenarioMistake("end: member 'at' or a true 'whenMet' is missing");
+        throw FileMistake("end: member 'at' or a true 'whenMet' is missing");
     }
     if (scenario.endAt && !scenario.steps.empty() && *scenario.endAt < scenario.steps.back().at) {
-        throw ScenarioMistake("end.at: is before " + scenario.steps.back().place);
+        throw FileMistake("end.at: is before " + scenario.steps.back().place);
     }
 }
 
@@ -166,7 +165,7 @@ void Rehearse(const std::vector<Step>& steps) {
             PlayStep(world, step);
         } catch (const Refusal& refusal) {
             if (refusal.status != 404) {
-                throw ScenarioMistake(step.place + ": " + refusal.what());
+                throw FileMistake(step.place + ": " + refusal.what());
             }
         }
     }
@@ -182,12 +181,7 @@ void PlayStep(World& world, const Step& step) {
 }
 
 Scenario ParseScenario(const std::string& text) {
-    Json::Value document;
-    try {
-        document = ParseFileObject(text);
-    } catch (const std::runtime_error& mistake) {
-        throw ScenarioMistake(mistake.what());
-    }
+    const Json::Value document = ParseFileObject(text);
     Scenario scenario;
     At("", [&] {
         ParseSettings(Members(document, {"speed", "start", "seed", "steps", "end", "expect"}),
@@ -200,7 +194,7 @@ Scenario ParseScenario(const std::string& text) {
     ParseEnd(document, scenario);
     scenario.expectations = ParseArray(document, "expect", ParseExpectation);
     if (scenario.expectations.empty()) {
-        throw ScenarioMistake("expect: is missing or empty");
+        throw FileMistake("expect: is missing or empty");
     }
     return scenario;
 }

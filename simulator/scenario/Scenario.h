@@ -1,21 +1,15 @@
 #pragma once
 
 #include "Expectation.h"
+#include "wire/Json.h"
 
 #include <cstdint>
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
 namespace Brenmoor {
 namespace TavoSimulator {
-
-/// A mistake in a scenario's file: one line that begins with the member's place.
-class ScenarioMistake : public std::runtime_error {
-public:
-    using std::runtime_error::runtime_error;
-};
 
 /// A request to the control interface at a time.
 struct Step {
@@ -48,7 +42,8 @@ struct Scenario {
     std::vector<NamedExpectation> expectations;
 };
 
-/// Reads a scenario, whose steps are rehearsed. Throws a ScenarioMistake.
+/// Reads a scenario, whose steps are rehearsed. Throws a FileMistake that begins with the
+/// member's place.
 Scenario ParseScenario(const std::string& text);
 
 /// Sends a step's request to the control interface. Throws a Refusal.

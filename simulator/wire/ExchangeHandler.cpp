@@ -1,13 +1,12 @@
 #include "ExchangeHandler.h"
 #include "Answering.h"
+#include "ClockWait.h"
 #include "Json.h"
 #include "RecordedSocket.h"
 #include "control/Control.h"
 #include "faults/SocketLine.h"
 #include "operations/Operations.h"
 #include "operations/Scrutiny.h"
-
-#include <limits>
 
 namespace Brenmoor {
 namespace TavoSimulator {
@@ -66,6 +65,10 @@ public:
     }
 
     void Run() {
+        if (world.settings.replay) {
+            PlayAgain();
+            return;
+        }
         const Fault* const fault = operation.empty() ? nullptr : world.faults.Take(operation);
         if (fault == nullptr) {
             const Reply reply = Answered();
@@ -139,10 +142,42 @@ private:
         });
     }
 
-    void Play(const Fault& fault) {
-        SocketLine line(
+    void PlayAgain() {
+        if (!Drain(in)) {
+            response.setKeepAlive(false);
+        }
+        const auto reply = world.settings.replay->Next(in.getMethod(), in.getURI());
+        if (reply) {
+            PlayAgain(*reply);
+            return;
+        }
+        const Reply refusal = AnswerOrRefuse(
+            []() -> Reply { throw NotFound("Nothing was recorded for this request"); });
+        NoteEnd(refusal.status, refusal.reason);
+        Send(refusal, response);
+    }
+
+    void PlayAgain(const Replay::Recorded& reply) {
+        world.traffic.Change(number, [&](TrafficEntry& entry) { entry.fault = reply.fault; });
+        response.setKeepAlive(false);
+        SocketLine line = MakeLine();
+        try {
+            WaitOn(world.clock, reply.seconds, line);
+            NoteEnd(reply.status, reply.reason);
+            line.Send(reply.bytes);
+        } catch (const Line::Ended&) {
+            NoteEnd(0, "");
+        }
+    }
+
+    SocketLine MakeLine() {
+        return SocketLine(
             socket, in.stream(), [this] { return world.changes.Closed(); },
             world.settings.pauseScale);
+    }
+
+    void Play(const Fault& fault) {
+        SocketLine line = MakeLine();
         Occasion occasion;
         occasion.id = ids.empty() ? "" : ids.front();
         occasion.healthy = fault.when == Fault::When::InReply ? Answered() : Ok();

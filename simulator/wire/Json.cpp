@@ -60,11 +60,11 @@ Json::Value ParseFileObject(const std::string& text) {
         std::string what;
         std::getline(lines, place);
         std::getline(lines, what);
-        throw std::runtime_error(place.empty() ? "nested too deeply"
-                                               : place.substr(2) + ": " + Poco::trim(what));
+        throw FileMistake(place.empty() ? "nested too deeply"
+                                        : place.substr(2) + ": " + Poco::trim(what));
     }
     if (!value.isObject()) {
-        throw std::runtime_error("not a JSON object");
+        throw FileMistake("not a JSON object");
     }
     return value;
 }

@@ -3,6 +3,7 @@
 #include "Exchange.h"
 
 #include <json/value.h>
+#include <stdexcept>
 #include <string>
 
 namespace Brenmoor {
@@ -18,8 +19,13 @@ Json::Value ParseMembers(const std::string& text, const std::string& what);
 /// Whether a text, white space around it aside, is in braces.
 bool HasBraces(const std::string& text);
 
-/// The same for a file that a person wrote: throws a std::runtime_error with the place of the
-/// mistake.
+/// A mistake in a file that the simulator was started with, in one line.
+class FileMistake : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// Parses a text from such a file. Throws a FileMistake that tells the place.
 Json::Value ParseFileObject(const std::string& text);
 
 /// A value on one line, without a line end. Text that is not valid UTF-8 is replaced.

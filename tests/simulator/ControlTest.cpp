@@ -74,9 +74,11 @@ TEST_F(Control, AnsweredScriptsFollowTheirRule) {
     EXPECT_EQ(BodyOf(Get("/xp?op=script&id=p1&cmd=df%20-h")), "p1: df -h is full\n");
     EXPECT_EQ(BodyOf(Get("/xp?op=script&id=p1&cmd=ls")),
               "simulated output of 'ls'\nnothing was run\n");
-    EXPECT_EQ(Kept("scripts"),
-              R"([{"command":"df -h","output":"p1: df -h is full\n"},)"
-              R"({"command":"ls","output":"simulated output of 'ls'\nnothing was run\n"}])");
+    EXPECT_EQ(
+        Kept("scripts"),
+        R"([{"command":"df -h","exitStatus":null,"killed":null,"output":"p1: df -h is full\n"},)"
+        R"({"command":"ls","exitStatus":null,"killed":null,)"
+        R"("output":"simulated output of 'ls'\nnothing was run\n"}])");
 }
 
 TEST_F(Control, ArmsAFaultForTheNextReplyOfAnOperation) {

@@ -82,6 +82,41 @@ TEST(Options, AScenariosSettingsCountUnlessTheCommandLineSaysOtherwise) {
     EXPECT_EQ(plain.settings.seed, 1U);
 }
 
+TEST(Options, ScriptsAndJournals) {
+    const TempFolder folder;
+    const Options options =
+        ParseOptions({"--journal", "j", "--allow-scripts", folder.path}).options;
+    EXPECT_EQ(options.journalFile, "j");
+    EXPECT_EQ(options.settings.scriptFolder, folder.path);
+    EXPECT_EQ(options.settings.scriptLimits.seconds, 60);
+    EXPECT_EQ(options.settings.replay, nullptr);
+    EXPECT_EQ(ParseOptions({"--allow-scripts", folder.path, "--script-timeout", "1.5"})
+                  .options.settings.scriptLimits.seconds,
+              1.5);
+    EXPECT_EQ(Complaint({"--script-timeout", "1"}),
+              "--script-timeout requires --allow-scripts; see --help");
+    EXPECT_EQ(Complaint({"--allow-scripts", folder.path + "/none"}),
+              "--allow-scripts: Directory does not exist: " + folder.path + "/none; see --help");
+}
+
+TEST(Options, AReplayExcludesWhatDecidesReplies) {
+    const TempFolder folder;
+    const std::string file = folder.path + "/file";
+    WriteFile(file, "");
+    EXPECT_NE(ParseOptions({"--replay", file, "--journal", "j", "--speed", "60", "--data", "d"})
+                  .options.settings.replay,
+              nullptr);
+    const std::pair<std::string, std::string> others[] = {{"--scenario", file},
+                                                          {"--allow-scripts", folder.path},
+                                                          {"--seed", "1"},
+                                                          {"--max-payloads", "1"},
+                                                          {"--max-upload", "1"}};
+    for (const auto& [name, value] : others) {
+        EXPECT_EQ(Complaint({"--replay", file, name, value}),
+                  name + " excludes --replay; see --help");
+    }
+}
+
 TEST(Options, NamesTheFileOfAScenariosMistake) {
     const TempFolder folder;
     EXPECT_EQ(Complaint({"--scenario", folder.path + "/none"}),

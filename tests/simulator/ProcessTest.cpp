@@ -67,7 +67,8 @@ TEST_F(ProcessTest, HelpAndVersion) {
     const std::string text = help.RestOfOutput();
     for (const char* const option :
          {"Usage: tavo-simulator [OPTIONS]", "--port N", "--bind,--address A", "--data DIR",
-          "--port-file FILE", "--quiet", "--scenario FILE", "--help", "--version",
+          "--port-file FILE", "--quiet", "--scenario FILE", "--journal FILE", "--replay FILE",
+          "--allow-scripts DIR", "--script-timeout SECONDS", "--help", "--version",
           "Exit codes:\n  0  ended by SIGINT or SIGTERM, or the scenario is met\n"
           "  1  a failure, such as a port that is taken\n"
           "  2  bad options, or a mistake in a file that they name\n"

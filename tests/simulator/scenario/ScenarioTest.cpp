@@ -14,7 +14,7 @@ constexpr char rest[] = R"("end": {"whenMet": true}, "expect": [{"noFlags": {}}]
 std::string Mistake(const std::string& text) {
     try {
         ParseScenario(text);
-    } catch (const ScenarioMistake& mistake) {
+    } catch (const FileMistake& mistake) {
         return mistake.what();
     }
     return "";

@@ -121,6 +121,11 @@ void Connection::EndSending() {
     socket.shutdownSend();
 }
 
+bool Connection::IsSilent() {
+    constexpr Poco::Timespan::TimeDiff tenth = 100000;
+    return !socket.poll(Poco::Timespan(tenth), Poco::Net::Socket::SELECT_READ);
+}
+
 void Connection::Close() {
     socket.close();
 }

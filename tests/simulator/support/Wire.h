@@ -51,6 +51,8 @@ public:
     std::string ReadUntil(const std::string& end);
     /// Says that nothing more is sent.
     void EndSending();
+    /// Whether nothing comes for a tenth of a second.
+    bool IsSilent();
     void Close();
 
 private:
