@@ -31,6 +31,11 @@ function gist({ method, target }) {
     }
 }
 
+function flagMark(flags) {
+    const text = flags.length === 1 ? flags[0] : `${flags.length} flags`;
+    return flags.length === 0 ? [] : [h("span", { class: "mark flag", title: flags.join("\n") }, text)];
+}
+
 function fact(name, value) {
     return h("div", null, h("dt", null, name), h("dd", { class: "mono" }, value));
 }
@@ -95,7 +100,7 @@ export function makeExchange(exchange) {
         setText(status, word);
         status.className = `chip ${colour}`;
         marks.replaceChildren(...(next.fault === null ? [] : [h("span", { class: "mark fault" }, next.fault)]),
-            ...next.flags.map((flag) => h("span", { class: "mark flag" }, flag)));
+            ...flagMark(next.flags));
         setText(size, bytesText(next.requestBytes + next.replyBytes));
         setText(took, next.open ? "…" : secondsText(next.seconds));
         panel?.update(next);
