@@ -35,7 +35,7 @@ TEST(MyFdSet, IsClearedWhenMadeInUsedMemory) {
 }
 
 TEST(MyFdSet, HasBitsSeesEachOfThe1024) {
-    for (unsigned bit = 0; bit < 1024; ++bit) {
+    for (int bit = 0; bit < 1024; ++bit) {
         FdSet set;
         // Bit n is bit n mod 32 of word n / 32.
         std::uint32_t words[32] = {};
