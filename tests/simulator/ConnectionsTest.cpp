@@ -95,7 +95,7 @@ TEST(Events, BringTheStateAndEachExchangeAndEndWithTheServer) {
     EXPECT_EQ(Count(head, "Content-Type: text/event-stream\r\n"), 1U);
     EXPECT_EQ(Count(head, "Cache-Control: no-store\r\n"), 1U);
     const std::string first = events.ReadUntil("\n\n");
-    EXPECT_EQ(Count(first, "event: state\ndata: {\"clock\":"), 1U) << first;
+    EXPECT_EQ(Count(first, "event: state\ndata: {\"allowScripts\":false,\"clock\":"), 1U) << first;
     EXPECT_EQ(Count(first, "\"id\":\"before\""), 1U);
     Exchange(server->Port(), GetText("/xp?op=off&id=after"));
     events.ReadUntil("event: traffic\ndata: ");
