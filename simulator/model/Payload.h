@@ -20,6 +20,8 @@ struct Command {
     std::string text;
     bool isFile = false;
     State state = State::Queued;
+    /// When it was last delivered or answered in part, on the simulator's clock.
+    double deliveredAt = 0;
     /// What the last answer said, once there is one that is complete.
     std::optional<bool> succeeded;
 };

@@ -11,24 +11,13 @@ namespace {
 /// How often a held poll looks whether the one who polls is still there.
 constexpr std::chrono::duration<double> peerCheck(1.0);
 
-void TakeCommands(const std::string& id, Payload& payload, std::size_t most, PollResult& result) {
-    payload.commands.Each([&](Command& command) {
-        if (result.commands.size() >= most) {
-            return false;
-        }
-        if (command.state == Command::State::Queued) {
-            command.state = Command::State::Delivered;
-            result.commands.push_back({id, command});
-        }
-        return true;
-    });
-}
-
 } // namespace
 
 PayloadRegistry::PayloadRegistry(const Clock& theClock, const Vehicle& theVehicle,
-                                 Changes& theChanges, std::size_t theMostPayloads)
-    : clock(theClock), vehicle(theVehicle), changes(theChanges), mostPayloads(theMostPayloads) {}
+                                 Changes& theChanges, std::size_t theMostPayloads,
+                                 double theRedeliverSeconds)
+    : clock(theClock), vehicle(theVehicle), changes(theChanges), mostPayloads(theMostPayloads),
+      redeliverSeconds(theRedeliverSeconds) {}
 
 Payload& PayloadRegistry::Find(const std::string& id) {
     const auto found = payloads.find(id);
@@ -141,6 +130,26 @@ void PayloadRegistry::Hold(std::unique_lock<std::mutex>& lock, const PollRequest
     // It may have been forgotten and met anew meanwhile.
     each([](std::size_t& held) { held -= std::min<std::size_t>(held, 1); });
     --heldPolls;
+}
+
+void PayloadRegistry::TakeCommands(const std::string& id, Payload& payload, std::size_t most,
+                                   PollResult& result) const {
+    const double now = clock.Seconds();
+    const auto isOverdue = [&](const Command& command) {
+        return redeliverSeconds > 0 && command.state == Command::State::Delivered &&
+               now >= command.deliveredAt + redeliverSeconds;
+    };
+    payload.commands.Each([&](Command& command) {
+        if (result.commands.size() >= most) {
+            return false;
+        }
+        if (command.state == Command::State::Queued || isOverdue(command)) {
+            command.state = Command::State::Delivered;
+            command.deliveredAt = now;
+            result.commands.push_back({id, command});
+        }
+        return true;
+    });
 }
 
 std::optional<PollResult> PayloadRegistry::News(const PollRequest& request, double now) {

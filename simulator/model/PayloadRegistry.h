@@ -51,7 +51,7 @@ public:
     static constexpr std::size_t mostHeldPolls = 448;
 
     PayloadRegistry(const Clock& clock, const Vehicle& vehicle, Changes& changes,
-                    std::size_t mostPayloads = 1000);
+                    std::size_t mostPayloads = 1000, double redeliverSeconds = 0);
 
     /// Lets `change` work on the payload while nothing else does, then wakes the held polls.
     /// Throws a Refusal for one payload too many.
@@ -86,6 +86,8 @@ public:
 private:
     Payload& Find(const std::string& id);
     void Hold(std::unique_lock<std::mutex>& lock, const PollRequest& request, double deadline);
+    void TakeCommands(const std::string& id, Payload& payload, std::size_t most,
+                      PollResult& result) const;
     std::optional<PollResult> News(const PollRequest& request, double now);
     bool IsFixNew(const PollRequest& request, const Fix& fix);
     double NextLook(const PollRequest& request, double now, double deadline);
@@ -94,6 +96,7 @@ private:
     const Vehicle& vehicle;
     Changes& changes;
     const std::size_t mostPayloads;
+    const double redeliverSeconds;
     mutable std::mutex mutex;
     std::condition_variable changed;
     Payloads payloads;

@@ -26,6 +26,8 @@ struct Settings {
     /// Unix time at the start; the present one when absent.
     std::optional<double> startUnixSeconds;
     std::uint64_t seed = 1;
+    /// When a command that was delivered and got no answer is delivered again; 0 for never.
+    double redeliverSeconds = 0;
     std::size_t mostPayloads = 1000;
     std::uintmax_t mostUploadBytes = std::uintmax_t{2} * 1024 * 1024 * 1024;
     /// Whether the page is served.
@@ -46,7 +48,8 @@ struct Settings {
 struct World {
     explicit World(const Settings& theSettings)
         : settings(theSettings), clock(settings.clockSpeed, settings.startUnixSeconds),
-          vehicle(settings.seed), payloads(clock, vehicle, changes, settings.mostPayloads),
+          vehicle(settings.seed),
+          payloads(clock, vehicle, changes, settings.mostPayloads, settings.redeliverSeconds),
           files(settings.dataFolder), faults(changes), traffic(changes) {}
 
     const Settings settings;

@@ -43,12 +43,13 @@ std::string PacketBytes(const Request& request) {
 }
 
 /// Finds the command that an answer is for, and marks it as answered if that is the last one.
-void Settle(Payload& payload, Answer& answer) {
+void Settle(Payload& payload, Answer& answer, double now) {
     payload.commands.Each([&](Command& command) {
         if (command.tag != answer.tag || command.state != Command::State::Delivered) {
             return true;
         }
         answer.command = command.number;
+        command.deliveredAt = now;
         if (answer.complete) {
             command.state = Command::State::Answered;
             command.succeeded = answer.succeeded;
@@ -75,8 +76,9 @@ Reply AnswerReply(World& world, const Request& request) {
     answer.succeeded = request.Flag("succeeded", true);
     answer.text = ReadTextForm(request);
     answer.number = world.payloads.NewNumber();
+    const double now = world.clock.Seconds();
     world.payloads.Change(id, [&](Payload& payload) {
-        Settle(payload, answer);
+        Settle(payload, answer, now);
         payload.answers.Add(answer, answer.tag.size() + answer.text.size());
     });
     return Ok();

@@ -140,6 +140,11 @@ void Describe(CLI::App& app, Options& options, FileNames& files) {
     app.add_option("--seed", settings.seed, "Seed of noise and of faults by chance")
         ->type_name("N")
         ->capture_default_str();
+    app.add_option("--redeliver", settings.redeliverSeconds,
+                   "Deliver a command again after so long without an answer; 0 for never")
+        ->type_name("SECONDS")
+        ->capture_default_str()
+        ->check(CLI::Range(0.0, 1e9));
     app.add_option("--max-payloads", settings.mostPayloads, "Refuse more payloads than these")
         ->type_name("N")
         ->capture_default_str();

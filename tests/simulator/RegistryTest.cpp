@@ -72,6 +72,22 @@ TEST_F(RegistryTest, GivesCommandsInTheOrderOfTheIdsAndOnlyOnce) {
     EXPECT_EQ(FirstState(registry, "other"), Command::State::Queued);
 }
 
+TEST_F(RegistryTest, DeliversAgainWhatGotNoAnswerWhenAskedTo) {
+    Clock still(0);
+    PayloadRegistry eager(still, vehicle, changes, 1000, 60);
+    eager.Change("a", [](Payload& payload) {
+        Command command;
+        command.tag = "1";
+        payload.commands.Add(command, 0);
+    });
+    EXPECT_EQ(Tags(eager.Poll(Request({"a"}))), "a:1 ");
+    still.Step(59);
+    EXPECT_EQ(Tags(eager.Poll(Request({"a"}))), "");
+    still.Step(1);
+    EXPECT_EQ(Tags(eager.Poll(Request({"a"}))), "a:1 ");
+    EXPECT_EQ(Tags(eager.Poll(Request({"a"}))), "");
+}
+
 TEST_F(RegistryTest, APollForNoCommandsLeavesThemQueued) {
     Queue("a", "1");
     PollRequest request = Request({"a"});

@@ -8,7 +8,7 @@ std::vector<Command> Commands() {
         PollCommand(),       RespondCommand(),       PowerCommand(),
         OffCommand(),        DelayShutdownCommand(), ScriptCommand(),
         InstallJarCommand(), RegisterCommand(),      RegistrationCompleteCommand(),
-        SendPacketCommand(), SendFileCommand(),
+        SendPacketCommand(), SendFileCommand(),      AgentCommand(),
     };
 }
 

@@ -19,6 +19,7 @@ Command RegisterCommand();
 Command RegistrationCompleteCommand();
 Command SendPacketCommand();
 Command SendFileCommand();
+Command AgentCommand();
 
 /// All of them, in the order in which help tells them.
 std::vector<Command> Commands();

@@ -1,4 +1,5 @@
 #include "commands/Commands.h"
+#include "commands/Position.h"
 #include "core/Failure.h"
 #include "core/Session.h"
 #include "core/Text.h"
@@ -6,7 +7,6 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <cmath>
 #include <memory>
 
 namespace Brenmoor {
@@ -52,23 +52,7 @@ std::string Number(double value) {
     return {text.data(), std::to_chars(text.data(), end, value, std::chars_format::fixed).ptr};
 }
 
-Json::Value NumberOrNull(double value) {
-    return std::isfinite(value) ? Json::Value(value) : Json::Value();
-}
-
-Json::Value JsonOf(const HalcyrREST::GPSInfo& position) {
-    if (!position.received) {
-        return Json::Value();
-    }
-    Json::Value value;
-    value["error"] = position.hasError ? Json::Value(position.errorText) : Json::Value();
-    value["latitude"] = NumberOrNull(position.latitude);
-    value["longitude"] = NumberOrNull(position.longitude);
-    value["timeFix"] = NumberOrNull(position.timeFix);
-    return value;
-}
-
-Json::Value JsonOf(const Reply& reply, bool isTimeout) {
+Json::Value ReplyJson(const Reply& reply, bool isTimeout) {
     Json::Value value;
     value["commands"] = Json::arrayValue;
     for (const HalcyrREST::RemoteCommand& command : reply.commands) {
@@ -121,16 +105,16 @@ void Poll(Session& session, const PollOptions& options) {
                         all || options.shutdown ? &reply.shutdown : nullptr, waitMs, options.most);
         });
     } catch (const HalcyrREST::ServerTimeoutOnRequest&) {
-        session.output.Result("", JsonOf(reply, true));
+        session.output.Result("", ReplyJson(reply, true));
         throw;
     } catch (const std::exception&) {
         // The server will not send again the commands before a malformed one.
         if (!reply.commands.empty()) {
-            session.output.Result(TextOf(reply, session.output.Colours()), JsonOf(reply, false));
+            session.output.Result(TextOf(reply, session.output.Colours()), ReplyJson(reply, false));
         }
         throw;
     }
-    session.output.Result(TextOf(reply, session.output.Colours()), JsonOf(reply, false));
+    session.output.Result(TextOf(reply, session.output.Colours()), ReplyJson(reply, false));
 }
 
 } // namespace

@@ -1,0 +1,151 @@
+#include "support/AgentTest.h"
+
+#include <algorithm>
+#include <csignal>
+#include <random>
+#include <set>
+#include <thread>
+
+namespace Brenmoor {
+namespace Tavo {
+namespace Testing {
+
+namespace {
+
+class AgentRestartTest : public AgentTest {
+protected:
+    /// A journal's line for the command "go" with the tag "t1".
+    static std::string Line(const std::string& state, const std::string& more = "") {
+        return "{" + more + "\"command\":\"go\",\"id\":\"P1\",\"isFile\":false,\"state\":\"" +
+               state + "\",\"succeeded\":true,\"tag\":\"t1\"}\n";
+    }
+
+    static constexpr char append[] = "echo \"$TAVO_TAG\" >>\"$0\"; echo ran";
+};
+
+TEST_F(AgentRestartTest, WhatWasReceivedIsRun) {
+    WriteFile("journal", Line("received"));
+    Start({}, append);
+    EXPECT_EQ(AwaitAnswers(1), Lines{"t1: ran\n"});
+    EXPECT_EQ(Stop().code, 0);
+    EXPECT_EQ(FileLines("ran"), Lines{"t1"});
+}
+
+TEST_F(AgentRestartTest, WhatWasStartedIsAnsweredAndNotRun) {
+    WriteFile("journal", Line("received") + Line("started"));
+    Start({}, append);
+    EXPECT_EQ(AwaitAnswers(1), Lines{"t1: [interrupted: the agent ended while this ran; it is not "
+                                     "run again] (failed)"});
+    EXPECT_EQ(Stop().code, 0);
+    EXPECT_EQ(FileLines("ran"), Lines{});
+}
+
+TEST_F(AgentRestartTest, WhatEndedIsAnswered) {
+    WriteFile("journal", Line("received") + Line("started") +
+                             Line("ended", "\"answer\":\"as it was \xc3\xa9\","));
+    Start({}, append);
+    EXPECT_EQ(AwaitAnswers(1), Lines{"t1: as it was \xef\xbf\xbd"}) << "one byte, not two";
+    EXPECT_EQ(Stop().code, 0);
+    EXPECT_EQ(FileLines("ran"), Lines{});
+}
+
+TEST_F(AgentRestartTest, WhatWasAnsweredIsOverAndIfItComesAgainIsNotRunAgain) {
+    WriteFile("journal", Line("received") + Line("started") + Line("ended", "\"answer\":\"x\",") +
+                             Line("answered"));
+    Queue("t1");
+    Queue("t2");
+    Start({}, append);
+    Lines answers = AwaitAnswers(2);
+    std::sort(answers.begin(), answers.end());
+    EXPECT_EQ(answers, (Lines{"t1: [done before, not run again]", "t2: ran\n"}));
+    EXPECT_EQ(Stop().code, 0);
+    EXPECT_EQ(FileLines("ran"), Lines{"t2"});
+}
+
+TEST_F(AgentRestartTest, AnEmptyTagIsNeverTheSame) {
+    Queue("");
+    Queue("");
+    Start({}, append);
+    EXPECT_EQ(AwaitAnswers(2), (Lines{": ran\n", ": ran\n"}));
+    EXPECT_EQ(Stop().code, 0);
+}
+
+TEST_F(AgentRestartTest, AJournalCutAtAnyByteLosesOnlyItsLastLine) {
+    const std::string whole = Line("received") + Line("started");
+    for (const std::size_t cut : {std::size_t{1}, Line("started").size() - 1}) {
+        WriteFile("journal", whole.substr(0, whole.size() - cut));
+        Start({}, append);
+        AwaitAnswers(1);
+        EXPECT_EQ(Stop().code, 0);
+        EXPECT_EQ(simulator->Answers("P1").front(), "t1: ran\n");
+    }
+}
+
+TEST_F(AgentRestartTest, AnotherFileIsNotTakenForAJournal) {
+    WriteFile("journal", "important text\n");
+    Start({}, append);
+    EXPECT_EQ(agent->Finish(),
+              (Outcome{6, "",
+                       "tavo agent: '" + Path("journal") +
+                           "' is not an agent's journal; name another file with --journal, or "
+                           "remove it\n"}));
+    EXPECT_EQ(FileText("journal"), "important text\n");
+}
+
+TEST_F(AgentRestartTest, TwoAgentsDoNotShareAJournal) {
+    Queue("t1");
+    Start({}, append);
+    AwaitAnswers(1);
+    const std::unique_ptr<TavoProcess> first = std::move(agent);
+    Start({}, append);
+    EXPECT_EQ(agent->Finish(),
+              (Outcome{6, "",
+                       "tavo agent: another agent uses the journal '" + Path("journal") +
+                           "'; stop it, or name another file with --journal\n"}));
+    first->Signal(SIGINT);
+    EXPECT_EQ(first->Finish().code, 0);
+}
+
+TEST_F(AgentRestartTest, FiftyKillsLoseNothingAndRunNothingTwice) {
+    simulator = nullptr;
+    simulator = std::make_unique<TavoRemotingLib::Testing::Simulator>(Folder(),
+                                                                      Lines{"--redeliver", "0.2"});
+    server = simulator->Address();
+    std::mt19937 random(20261121);
+    std::uniform_int_distribution<int> microseconds(0, 60000);
+    std::set<std::string> tags;
+    for (int i = 0; i < 50; ++i) {
+        for (const char* const half : {"a", "b"}) {
+            tags.insert(std::to_string(i) + half);
+            Queue(std::to_string(i) + half);
+        }
+        Start({}, append);
+        // The moment of the kill is what is being tried.
+        std::this_thread::sleep_for(std::chrono::microseconds(microseconds(random)));
+        agent->Signal(SIGKILL);
+        EXPECT_EQ(agent->Finish().code, -SIGKILL);
+    }
+    Start({}, append);
+    std::set<std::string> answered;
+    while (answered != tags) {
+        std::this_thread::yield();
+        for (const std::string& answer : simulator->Answers("P1")) {
+            answered.insert(answer.substr(0, answer.find(':')));
+        }
+    }
+    EXPECT_EQ(Stop().code, 0);
+    const Lines ran = FileLines("ran");
+    EXPECT_EQ(std::set<std::string>(ran.begin(), ran.end()).size(), ran.size()) << "one ran twice";
+    std::size_t interrupted = 0;
+    for (const std::string& answer : simulator->Answers("P1")) {
+        interrupted += answer.find("interrupted") != std::string::npos ? 1U : 0U;
+    }
+    EXPECT_GE(ran.size() + interrupted, tags.size()) << "one was answered without being run";
+    EXPECT_GT(ran.size(), 50U);
+}
+
+} // namespace
+
+} // namespace Testing
+} // namespace Tavo
+} // namespace Brenmoor

@@ -1,0 +1,145 @@
+#include "support/AgentTest.h"
+
+#include <chrono>
+#include <csignal>
+#include <json/reader.h>
+#include <sstream>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+namespace Brenmoor {
+namespace Tavo {
+namespace Testing {
+
+namespace {
+
+class AgentServiceTest : public AgentTest {
+protected:
+    /// Waits for it to end of itself.
+    Outcome Finish() {
+        return agent->Finish();
+    }
+};
+
+TEST_F(AgentServiceTest, AShutdownIsPostponedThenCarriedOut) {
+    simulator->ShutDown("P1");
+    Start({"--on-shutdown", "/bin/true", "--postpone", "100"}, "true");
+    EXPECT_EQ(Finish(), (Outcome{0, "off\n", ""}));
+    EXPECT_TRUE(Payload()["off"].asBool());
+    EXPECT_TRUE(Payload()["shutdown"].isNull());
+}
+
+TEST_F(AgentServiceTest, AShutdownsProgramThatFailsIsToldAndDoesNotHoldIt) {
+    simulator->ShutDown("P1");
+    Start({"--on-shutdown", "/bin/false", "--json"}, "true");
+    EXPECT_EQ(Finish(), (Outcome{0, "{\"event\":\"off\"}\n",
+                                 "tavo agent: the shutdown's program failed: [exit code 1]\n"}));
+    EXPECT_TRUE(Payload()["off"].asBool());
+}
+
+TEST_F(AgentServiceTest, CommandsOfTheSamePollAreDoneBeforeTheShutdown) {
+    Queue("t1");
+    simulator->ShutDown("P1");
+    Start({"--quiet"}, "echo first");
+    EXPECT_EQ(Finish(), (Outcome{0, "", ""}));
+    EXPECT_EQ(simulator->Answers("P1"), Lines{"t1: first\n"});
+    EXPECT_TRUE(Payload()["off"].asBool());
+}
+
+TEST_F(AgentServiceTest, ThePositionIsKeptInAFile) {
+    simulator->Anchor(57.25, -2.5);
+    Start({"--position-file", Path("position")}, "true");
+    while (FileText("position").empty()) {
+    }
+    Json::Value position;
+    std::istringstream(FileText("position")) >> position;
+    EXPECT_DOUBLE_EQ(position["latitude"].asDouble(), 57.25);
+    EXPECT_DOUBLE_EQ(position["longitude"].asDouble(), -2.5);
+    EXPECT_TRUE(position["error"].isNull());
+    EXPECT_GT(position["timeFix"].asDouble(), 0);
+    EXPECT_EQ(Stop(), (Outcome{0, "", ""}));
+}
+
+TEST_F(AgentServiceTest, AServerThatIsAwayIsToldOnceAndSoIsItsReturn) {
+    const std::string port = server.substr(server.find(':') + 1);
+    simulator.reset();
+    Start({}, "echo back");
+    agent->AwaitErrors("carrying on");
+    simulator =
+        std::make_unique<TavoRemotingLib::Testing::Simulator>(Folder(), Lines{"--port", port});
+    Queue("t1");
+    EXPECT_EQ(AwaitAnswers(1), Lines{"t1: back\n"});
+    agent->AwaitErrors("is back");
+    const Outcome outcome = Stop();
+    EXPECT_EQ(outcome.code, 0);
+    EXPECT_EQ(outcome.err.find("carrying on"), outcome.err.rfind("carrying on"));
+    EXPECT_EQ(outcome.err.substr(outcome.err.find('\n') + 1),
+              "tavo agent: " + server + " is back\n");
+}
+
+TEST_F(AgentServiceTest, AStopIsHeededWhilePollingAndWhileTheServerIsAway) {
+    Start({}, "true");
+    simulator->AwaitHeldPolls(1);
+    auto begin = std::chrono::steady_clock::now();
+    EXPECT_EQ(Stop(), (Outcome{0, "", ""}));
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(3));
+    simulator.reset();
+    Start({"--retry-most", "3600"}, "true");
+    agent->AwaitErrors("carrying on");
+    begin = std::chrono::steady_clock::now();
+    EXPECT_EQ(Stop().code, 0);
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(2));
+}
+
+TEST_F(AgentServiceTest, TheServiceManagerIsTold) {
+    const int descriptor = socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    const std::string name = Path("notify");
+    ASSERT_LT(name.size(), sizeof address.sun_path);
+    name.copy(address.sun_path, name.size());
+    ASSERT_EQ(bind(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+    Start({}, "true", {"NOTIFY_SOCKET=" + name});
+    const auto next = [descriptor] {
+        std::string message(100, '\0');
+        message.resize(static_cast<std::size_t>(recv(descriptor, message.data(), 100, 0)));
+        return message;
+    };
+    EXPECT_EQ(next(), "READY=1");
+    EXPECT_EQ(next(), "WATCHDOG=1");
+    EXPECT_EQ(next(), "WATCHDOG=1") << "once for every poll";
+    agent->Signal(SIGTERM);
+    std::string message;
+    do {
+        message = next();
+    } while (message == "WATCHDOG=1");
+    EXPECT_EQ(message, "STOPPING=1");
+    EXPECT_EQ(agent->Finish().code, 0);
+    close(descriptor);
+    unlink(name.c_str());
+}
+
+TEST_F(AgentServiceTest, BadOptionsAreUsageErrors) {
+    const std::pair<Lines, std::string> cases[] = {
+        {{"--poll", "0"}, "--poll needs a number from 1 to 3600"},
+        {{"--handler-timeout", "0"}, "--handler-timeout needs a number from 1 to 86400"},
+        {{"--output-limit", "-1"}, "--output-limit needs a number from 0 to 16777216"},
+    };
+    for (const auto& [options, line] : cases) {
+        Call call;
+        call.arguments = {"agent", "--server", server, "--id", "P1"};
+        call.arguments.insert(call.arguments.end(), options.begin(), options.end());
+        call.arguments.insert(call.arguments.end(), {"--", "true"});
+        EXPECT_EQ(RunTavo(call),
+                  (Outcome{2, "", "tavo agent: " + line + "; see 'tavo agent --help'\n"}));
+    }
+    EXPECT_EQ(RunTavo({"agent", "--server", server, "--id", "P1"}),
+              (Outcome{2, "", "tavo agent: HANDLER is required; see 'tavo agent --help'\n"}));
+}
+
+} // namespace
+
+} // namespace Testing
+} // namespace Tavo
+} // namespace Brenmoor
