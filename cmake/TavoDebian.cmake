@@ -101,7 +101,7 @@ install(FILES packaging/lintian-overrides RENAME libtavoremoting${abi}
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples
     DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/libtavoremoting-dev
     COMPONENT TavoRemotingLib-dev EXCLUDE_FROM_ALL
-    FILES_MATCHING PATTERN *.cpp PATTERN *.json PATTERN CMakeLists.txt)
+    FILES_MATCHING PATTERN *.cpp PATTERN *.json PATTERN CMakeLists.txt PATTERN handler.*)
 
 if(TARGET tavo-simulator OR TARGET tavo)
     tavo_debian_package(tools tavo-tools SECTION devel
@@ -121,6 +121,8 @@ if(TARGET tavo_documents)
     get_target_property(pages tavo_documents TAVO_FOLDER)
     install(DIRECTORY ${pages}/ DESTINATION ${CMAKE_INSTALL_MANDIR}/man1
         COMPONENT tools EXCLUDE_FROM_ALL FILES_MATCHING PATTERN *.1.gz)
+    install(FILES ${PROJECT_SOURCE_DIR}/packaging/tavo-agent.service
+        DESTINATION lib/systemd/system COMPONENT tools EXCLUDE_FROM_ALL)
     install(FILES ${pages}/tavo.bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
         RENAME tavo COMPONENT tools EXCLUDE_FROM_ALL)
     install(FILES ${pages}/_tavo DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions

@@ -1,5 +1,6 @@
 #include "support/Simulator.h"
 
+#include <algorithm>
 #include <curl/curl.h>
 #include <fstream>
 #include <json/reader.h>
@@ -18,8 +19,11 @@ namespace {
 std::vector<std::string> Words(const std::string& folder,
                                const std::vector<std::string>& arguments) {
     std::vector<std::string> words = CommandOf(SIMULATOR_PATH);
-    words.insert(words.end(), {"--port", "0", "--quiet", "--data", folder + "/data", "--port-file",
-                               folder + "/port"});
+    words.insert(words.end(),
+                 {"--quiet", "--data", folder + "/data", "--port-file", folder + "/port"});
+    if (std::find(arguments.begin(), arguments.end(), "--port") == arguments.end()) {
+        words.insert(words.end(), {"--port", "0"});
+    }
     words.insert(words.end(), arguments.begin(), arguments.end());
     return words;
 }

@@ -9,7 +9,14 @@ namespace Testing {
 
 namespace {
 
-class AgentHandlerTest : public AgentTest {};
+class AgentHandlerTest : public AgentTest {
+protected:
+    /// Returns when nothing is left of the process group whose number the handler wrote to "ran".
+    void AwaitEndOfGroup() const {
+        while (kill(-std::stoi(FileText("ran")), 0) == 0) {
+        }
+    }
+};
 
 TEST_F(AgentHandlerTest, GetsTheCommandInItsEnvironmentAndOnStandardInput) {
     Queue("it's", "two words; $HOME `x`\n");
@@ -72,7 +79,7 @@ TEST_F(AgentHandlerTest, OneThatHangsIsEndedWithItsChildren) {
     Start({"--handler-timeout", "1"}, "trap '' TERM; echo $$ >\"$0\"; sleep 1000 & sleep 1000");
     EXPECT_EQ(AwaitAnswers(1), Lines{"t1: [took longer than 1 s] (failed)"});
     EXPECT_EQ(Stop().code, 0);
-    EXPECT_EQ(kill(-std::stoi(FileText("ran")), 0), -1) << "its process group is still there";
+    AwaitEndOfGroup();
 }
 
 TEST_F(AgentHandlerTest, AFloodIsCut) {
@@ -110,7 +117,7 @@ TEST_F(AgentHandlerTest, AStopEndsItAndTheAnswerIsLeftToTheNextAgent) {
     const auto begin = std::chrono::steady_clock::now();
     EXPECT_EQ(Stop().code, 0);
     EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(3));
-    EXPECT_EQ(kill(-std::stoi(FileText("ran")), 0), -1);
+    AwaitEndOfGroup();
     EXPECT_EQ(simulator->Answers("P1"), Lines{});
     Start({}, "echo again");
     EXPECT_EQ(AwaitAnswers(1), Lines{"t1: [interrupted: the agent was stopped] (failed)"});

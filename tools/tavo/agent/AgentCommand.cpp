@@ -95,20 +95,20 @@ Command AgentCommand() {
         "id, tag and text of an earlier one is taken for the same one, unless its tag is empty.",
         "SIGTERM and SIGINT end the agent, at the latest two seconds after a poll's time. So does "
         "a shutdown of the payload."};
-    command.arguments = {{"HANDLER",
-                          "",
-                          "the program that handles a command, and its arguments",
-                          &options->handler,
-                          {},
-                          true,
-                          true}};
+    Parameter handler{"HANDLER", "", "the program that handles a command, and its arguments",
+                      &options->handler};
+    handler.isRequired = true;
+    handler.isFile = true;
+    handler.takesRest = true;
+    command.arguments = {handler};
     command.options = Options(*options);
     command.examples = {
         {"Answer each command with what a script makes of it",
          "tavo agent --id P1 -- ./handle-command"},
-        {"Keep the position, tell progress, tidy up before a shutdown",
-         "tavo agent --id P1 --position-file /run/position.json --progress-every 10 "
-         "--on-shutdown ./tidy-up --postpone 60 -- python3 handler.py"},
+        {"Tell progress every ten seconds",
+         "tavo agent --id P1 --progress-every 10 -- python3 handler.py"},
+        {"Keep the newest position in a file",
+         "tavo agent --id P1 --position-file /run/position.json -- ./handle"},
     };
     command.run = [options](Session& session) {
         RunAgent(session, *options);

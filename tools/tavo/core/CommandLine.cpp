@@ -97,7 +97,9 @@ public:
         for (const Command& command : commands) {
             CLI::App& subcommand = *app.add_subcommand(command.name);
             for (const Parameter& argument : command.arguments) {
-                AddArgument(subcommand, argument);
+                if (!argument.takesRest) {
+                    AddArgument(subcommand, argument);
+                }
             }
             for (const Parameter& option : command.options) {
                 AddOption(subcommand, option);
@@ -171,17 +173,57 @@ const Command* Chosen(const CLI::App& app, const std::vector<Command>& commands)
     throw UsageError(error.what());
 }
 
+/// The argument of a command that takes all behind "--", or null.
+const Parameter* RestOf(const Command& command) {
+    for (const Parameter& argument : command.arguments) {
+        if (argument.takesRest) {
+            return &argument;
+        }
+    }
+    return nullptr;
+}
+
+/// Takes what stands behind "--" out of the arguments of a command that has its use for it. The
+/// parser would look for options in it.
+Values TakeRest(Values& arguments, const std::vector<Command>& commands) {
+    const auto mark = std::find(arguments.begin(), arguments.end(), "--");
+    const bool isTaken = mark != arguments.end() &&
+                         std::any_of(commands.begin(), commands.end(), [&](const Command& command) {
+                             return RestOf(command) != nullptr &&
+                                    std::find(arguments.begin(), mark, command.name) != mark;
+                         });
+    if (!isTaken) {
+        return {};
+    }
+    const Values rest(std::next(mark), arguments.end());
+    arguments.erase(mark, arguments.end());
+    return rest;
+}
+
+void StoreRest(const Command& command, const Values& rest) {
+    const Parameter* const parameter = RestOf(command);
+    if (parameter == nullptr) {
+        return;
+    }
+    if (parameter->isRequired && rest.empty()) {
+        throw UsageError(parameter->name + " is required, behind --");
+    }
+    std::visit(Store{*parameter, rest}, parameter->target);
+}
+
 } // namespace
 
 Request ReadCommandLine(const std::vector<std::string>& arguments,
                         const std::vector<Parameter>& common, const std::vector<Command>& commands,
                         const Command*& command) {
     Parser parser(common, commands);
+    Values own = arguments;
+    const Values rest = TakeRest(own, commands);
     CLI::App& app = parser.app;
     command = nullptr;
     try {
         // The parser takes them from the end.
-        app.parse(Values(arguments.rbegin(), arguments.rend()));
+        app.parse(Values(own.rbegin(), own.rend()));
     } catch (const CLI::CallForHelp&) {
         return {Request::Kind::Help, Chosen(app, commands)};
     } catch (const CLI::CallForVersion&) {
@@ -192,6 +234,7 @@ Request ReadCommandLine(const std::vector<std::string>& arguments,
     }
     command = Chosen(app, commands);
     parser.StoreAll();
+    StoreRest(*command, rest);
     return {Request::Kind::Run, command};
 }
 

@@ -26,6 +26,7 @@ struct Parameter {
     bool isRequired = false;
     bool isFile = false;       ///< completion offers files
     std::string variable = {}; ///< of the environment, that gives the value when absent
+    bool takesRest = false;    ///< an argument: all that stands behind "--", as it is
 };
 
 struct Example {
