@@ -119,6 +119,7 @@ TEST_F(ExpectationTest, Registration) {
         {R"("member": "hardware[1]", "equals": {"pn": "B"})", ""},
         {R"("member": "nothing", "equals": null)", ""},
         {R"("member": "tag", "equals": null)", R"(it is "ctd")"},
+        {R"("member": "hardware[2]")", "there is no such member"},
         {R"("member": "hardware[2].pn")", "there is no such member"},
         {R"("member": "hardware.pn")", "there is no such member"},
         {R"("member": "tag[0]")", "there is no such member"},
