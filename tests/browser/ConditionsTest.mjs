@@ -33,7 +33,9 @@ pageTest("everything is done with the keyboard alone", { prepare: (s) => s.regis
     await keys.press("Enter");
     await expectTexts(page, ".armed .mono", ["status-404"]);
     await simulator.ask("off&id=P2");
-    await expectTexts(page, ".exchange-row .x-op", ["off", "metadone", "meta"]);
+    await simulator.ask("pwr&id=P2&cmd=on");
+    await expectTexts(page, ".exchange-row .x-op", ["pwr", "off", "metadone", "meta"]);
+    await expectTexts(page, ".exchange-row .mark", ["status-404"]);
     await keys.press("x");
     await keys.press("ArrowDown");
     await keys.press("ArrowUp");
@@ -45,6 +47,7 @@ pageTest("everything is done with the keyboard alone", { prepare: (s) => s.regis
     await keys.type("metadone");
     await expectTexts(page, ".exchange-row .x-op", ["metadone"]);
     await keys.press("Escape");
+    await expectTexts(page, ".payload-id", ["P1", "P2"]);
     await keys.press("j");
     await expectTexts(page, "#detail-title", ["P2"]);
     await keys.press("k");
@@ -71,6 +74,8 @@ pageTest("two hundred payloads stay quick", {
     },
 }, async (page, simulator, t) => {
     await expectTexts(page, "#payload-count", ["200"]);
+    await page.getByLabel("Search payloads").fill("payload-1");
+    assert.deepEqual((await page.locator(".payload-id").allTextContents()).slice(0, 3), ["payload-1", "payload-10", "payload-11"]);
     const milliseconds = await page.evaluate(() => {
         const begin = performance.now();
         const search = document.getElementById("payload-search");

@@ -98,11 +98,11 @@ pageTest("switches are turned and a shutdown is planned, counted down and cancel
     });
 
 pageTest("the vehicle goes where it is told", { simulator: ["--speed", "0"] }, async (page, simulator) => {
-    await page.getByLabel("Latitude").fill("57.5");
-    await page.getByLabel("Longitude").fill("-2.25");
+    await page.getByLabel("Latitude", { exact: true }).fill("57.5");
+    await page.getByLabel("Longitude", { exact: true }).fill("-2.25");
     await page.getByRole("button", { name: "Go there" }).click();
     await expectTexts(page, "#vehicle-place", ["57° 30.000′ N  2° 15.000′ W"]);
-    await page.getByLabel("Position error").fill("no satellites");
+    await page.getByLabel("Position error", { exact: true }).fill("no satellites");
     await page.getByRole("button", { name: "Report it" }).click();
     await expectTexts(page, "#vehicle-facts > :last-child dd", ["“no satellites”"]);
     await page.getByRole("button", { name: "End it" }).click();
@@ -119,7 +119,7 @@ pageTest("the vehicle goes where it is told", { simulator: ["--speed", "0"] }, a
     assert.equal((await simulator.get("state")).clock.speed, 60);
     await page.getByRole("tab", { name: "Position" }).click();
     await page.locator(".chart").click({ position: { x: 200, y: 60 } });
-    const picked = Number(await page.getByLabel("Latitude").inputValue());
+    const picked = Number(await page.getByLabel("Latitude", { exact: true }).inputValue());
     assert.ok(Math.abs(picked - 57.5) < 0.1 && picked !== 57.5, `${picked}`);
 });
 

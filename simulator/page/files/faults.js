@@ -90,7 +90,7 @@ async function loadCatalogue() {
 
 export function startFaults() {
     const form = $("fault-form");
-    form.elements.operation.append(h("option", { value: "all" }, "any operation"),
+    form.elements.operation.append(h("option", { value: "all" }, "anything"),
         ...operations.map((name) => h("option", { value: name }, name)));
     form.elements.search.addEventListener("input", drawCatalogue);
     form.addEventListener("submit", (event) => event.preventDefault());

@@ -80,9 +80,12 @@ function words() {
     return $("payload-search").value.toLowerCase().split(/\s+/).filter(Boolean);
 }
 
+/** In the order in which a person counts: payload-2 comes before payload-10. */
+const inOrder = new Intl.Collator("en", { numeric: true });
+
 function shownPayloads() {
     const wanted = words();
-    return feed.state.payloads.filter((payload) => {
+    return feed.state.payloads.sort((a, b) => inOrder.compare(a.id, b.id)).filter((payload) => {
         const text = `${payload.id} ${payload.hostId} ${nameOf(payload)} ${standing(payload)[0]}`.toLowerCase();
         return wanted.every((word) => text.includes(word));
     });
