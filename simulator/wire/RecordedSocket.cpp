@@ -130,7 +130,7 @@ Poco::Net::ServerSocket ListenRecorded(const Listening& listening) {
     auto* const implementation = new RecordingServerSocket(listening);
     CustomServerSocket socket(implementation);
     implementation->Open();
-    return std::move(socket);
+    return socket;
 }
 
 } // namespace TavoSimulator
