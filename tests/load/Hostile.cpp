@@ -16,7 +16,7 @@ namespace {
 using Real = std::chrono::steady_clock;
 
 // The traffic keeps up to 64 MiB of what comes, and longer requests push out shorter ones.
-constexpr long mostGrowthKibibytes = 64 * 1024;
+constexpr long mostGrowthKibibytes = 64L * 1024;
 constexpr unsigned slowClients = 200;
 
 /// Whether a payload is answered, and how long that takes at the most.

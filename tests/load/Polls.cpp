@@ -23,7 +23,7 @@ using Real = std::chrono::steady_clock;
 constexpr double pollSeconds = 2;
 constexpr unsigned commandsPerSecond = 60;
 // What a held poll, and a thread that serves one for the first time, may add.
-constexpr long mostGrowthKibibytes = 8 * 1024;
+constexpr long mostGrowthKibibytes = 8L * 1024;
 
 /// What was queued, and what came of it: the commands' texts by their payloads.
 class Ledger {

@@ -7,6 +7,10 @@ namespace Testing {
 
 namespace {
 
+const char chunkedUpload[] =
+    "POST /xp?op=upload&id=P1 HTTP/1.1\r\nHost: v\r\nTransfer-Encoding: chunked\r\n"
+    "Content-Type: multipart/form-data; boundary=BOUNDARY\r\n\r\n5\r\n--BOU\r\n0\r\n\r\n";
+
 const std::vector<std::string>& GoodRequests() {
     static const std::vector<std::string> requests = {
         GetText("/xp?op=off&id=P1"),
@@ -26,8 +30,7 @@ const std::vector<std::string>& GoodRequests() {
         GetText("/sim/v1/state"),
         GetText("/sim/v1/traffic?after=1&most=3"),
         GetText("/sim/v1/files/..%2F..%2Fetc%2Fpasswd"),
-        "POST /xp?op=upload&id=P1 HTTP/1.1\r\nHost: v\r\nTransfer-Encoding: chunked\r\n"
-        "Content-Type: multipart/form-data; boundary=BOUNDARY\r\n\r\n5\r\n--BOU\r\n0\r\n\r\n",
+        chunkedUpload,
     };
     return requests;
 }
