@@ -155,7 +155,7 @@ pageTest("scripts are answered by their rule", {}, async (page, simulator) => {
     await expectTexts(page, "#tab-received pre", ["df -h is full\n"]);
 });
 
-const bytes = Uint8Array.from({ length: 100001 }, (_, index) => (index * 7 + (index >> 8)) & 255);
+const bytes = Uint8Array.from({ length: 20001 }, (_, index) => (index * 7 + (index >> 8)) & 255);
 
 pageTest("files and packets are looked at and downloaded", {
     prepare: async (s) => {
@@ -177,7 +177,7 @@ pageTest("files and packets are looked at and downloaded", {
     await expectTexts(page, "dialog .bytes", [`000000  ${"00 FF 61 5C 62".padEnd(48)}  ··a\\b`]);
     await dialog.getByRole("button", { name: "Close" }).click();
     await page.getByRole("button", { name: "Look at survey_one.bin" }).click();
-    await dialog.getByText("The first 66 kB are shown. Show more").click();
+    await dialog.getByText("The first 16 kB are shown. Show more").click();
     await dialog.getByText("Show more").waitFor({ state: "detached" });
 });
 

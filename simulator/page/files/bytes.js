@@ -4,7 +4,7 @@ import { fetchBytes } from "./api.js";
 import { $, h } from "./dom.js";
 import { bytesText } from "./format.js";
 
-const firstLook = 64 * 1024;
+const firstLook = 16 * 1024;
 const perRow = 16;
 const names = { 0: "\\0", 9: "\\t", 13: "\\r" };
 
