@@ -46,10 +46,10 @@ protected:
 TEST_F(Hostile, ThousandsOfBrokenRequestsDoNoHarm) {
     Mutations mutations(20261121);
     std::size_t answered = 0;
-    for (int i = 0; i < 3000; ++i) {
+    for (int i = 0; i < 1000; ++i) {
         answered += Thrown(mutations.Next()).empty() ? 0U : 1U;
     }
-    EXPECT_GT(answered, 1000U);
+    EXPECT_GT(answered, 500U);
     ExpectWell();
 }
 
