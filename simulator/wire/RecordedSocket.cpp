@@ -22,6 +22,7 @@ public:
 
     void Open() {
         // Without reusePort: two simulators on one port would share its connections unnoticed.
+        // cppcheck-suppress invalidFunctionArgBool ; this is not the system call
         bind(SocketAddress(listening.address, listening.port), /* reuseAddress = */ true,
              /* reusePort = */ false);
         listen(listening.backlog);

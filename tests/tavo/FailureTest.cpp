@@ -1,6 +1,7 @@
 #include "core/Failure.h"
 #include "support/CleanTest.h"
 #include "support/ClosedPort.h"
+#include "support/FullListener.h"
 #include "support/Program.h"
 #include "support/ScriptedServer.h"
 #include "support/TavoProcess.h"
@@ -154,25 +155,12 @@ TEST_F(FailureTest, NoConnectionIsCode3) {
                        "all_proxy in the environment\n"}));
 }
 
-/// A listener that has as many connections waiting as it may have answers no further one.
 TEST_F(FailureTest, NoAnswerInTimeIsCode4) {
-    sockaddr_in address = {};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t size = sizeof address;
-    const auto generic = reinterpret_cast<sockaddr*>(&address);
-    const int listener = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    ASSERT_EQ(bind(listener, generic, size), 0);
-    ASSERT_EQ(listen(listener, 0), 0);
-    ASSERT_EQ(getsockname(listener, generic, &size), 0);
-    const int waiting = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    ASSERT_EQ(connect(waiting, generic, size), 0);
-    EXPECT_EQ(Against("127.0.0.1:" + std::to_string(ntohs(address.sin_port)), {"off"}),
+    const FullListener listener;
+    EXPECT_EQ(Against(listener.Address(), {"off"}),
               (Outcome{4, "",
                        "tavo off: no answer from SERVER in time: curl_easy_perform returned "
                        "28 (Timeout was reached); try again\n"}));
-    close(waiting);
-    close(listener);
 }
 
 TEST_F(FailureTest, BrokenRepliesAreCode5) {

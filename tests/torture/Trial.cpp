@@ -145,6 +145,7 @@ void SetUpRandomNumbers(const std::string& server) {
 
 Trial Try(const Subject& subject, const Surroundings& with, const Failure& failure, int times) {
     static void* const shared =
+        // cppcheck-suppress invalidFunctionArg ; -1 is what an anonymous mapping takes
         mmap(nullptr, sizeof(Trial), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
     Trial& trial = *static_cast<Trial*>(shared);
     trial = Trial();
