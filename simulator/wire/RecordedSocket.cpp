@@ -22,9 +22,9 @@ public:
 
     void Open() {
         // Without reusePort: two simulators on one port would share its connections unnoticed.
+        const SocketAddress address(listening.address, listening.port);
         // cppcheck-suppress invalidFunctionArgBool ; this is not the system call
-        bind(SocketAddress(listening.address, listening.port), /* reuseAddress = */ true,
-             /* reusePort = */ false);
+        bind(address, /* reuseAddress = */ true, /* reusePort = */ false);
         listen(listening.backlog);
         setBlocking(false);
         room.emplace(sockfd(), mostIdle, listening.longestIdle, listening.busy);
