@@ -110,7 +110,9 @@ Play Answers(const std::string& json) {
 }
 
 Fault Answer(const char* name, const char* summary, const std::string& json) {
-    return {name, summary, Fault::When::Instead, Answers(json)};
+    Fault fault{name, summary, Fault::When::Instead, {}};
+    fault.play = Answers(json);
+    return fault;
 }
 
 } // namespace TavoSimulator
