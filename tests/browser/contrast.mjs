@@ -3,13 +3,18 @@
 /** Every visible text whose contrast is below 4.5 to 1, or 3 to 1 when it is large. */
 export function lowContrast() {
     const canvas = document.createElement("canvas").getContext("2d", { willReadFrequently: true });
+    const known = new Map();
     const mixed = (colours) => {
-        canvas.clearRect(0, 0, 1, 1);
-        for (const colour of colours) {
-            canvas.fillStyle = colour;
-            canvas.fillRect(0, 0, 1, 1);
+        const key = colours.join();
+        if (!known.has(key)) {
+            canvas.clearRect(0, 0, 1, 1);
+            for (const colour of colours) {
+                canvas.fillStyle = colour;
+                canvas.fillRect(0, 0, 1, 1);
+            }
+            known.set(key, [...canvas.getImageData(0, 0, 1, 1).data].slice(0, 3));
         }
-        return [...canvas.getImageData(0, 0, 1, 1).data].slice(0, 3);
+        return known.get(key);
     };
     const luminance = (colour) => {
         const [red, green, blue] = colour.map((value) => {

@@ -12,7 +12,7 @@ import { after, before, test } from "node:test";
 
 const { chromium } = createRequire(`${process.env.TAVO_MODULES}/`)("playwright-core");
 const screenshots = process.env.TAVO_SCREENSHOTS;
-const watchdog = { timeout: 60000 };
+const watchdog = { timeout: 120000 };
 const desk = { width: 1440, height: 900 };
 
 let browser;
