@@ -33,13 +33,16 @@ std::size_t RequestSize(const std::string& bytes, bool withBody) {
     if (!withBody) {
         return head;
     }
-    if (bytes.find("Transfer-Encoding: chunked\r\n") < end) {
+    // Not in the body, which may be large and is looked at again for each piece.
+    const std::string lines = bytes.substr(0, head);
+    if (lines.find("Transfer-Encoding: chunked\r\n") != std::string::npos) {
         const std::size_t last = bytes.find("\r\n0\r\n\r\n", head - 2);
         return last == std::string::npos ? last : last + 7;
     }
     const std::string name = "Content-Length: ";
-    const std::size_t length = bytes.find(name);
-    const std::size_t body = length < end ? std::stoul(bytes.substr(length + name.size())) : 0;
+    const std::size_t length = lines.find(name);
+    const std::size_t body =
+        length != std::string::npos ? std::stoul(lines.substr(length + name.size())) : 0;
     return bytes.size() >= head + body ? head + body : std::string::npos;
 }
 
@@ -57,8 +60,16 @@ Step Send(std::string bytes) {
     return {Step::Kind::Send, std::move(bytes)};
 }
 
+Step Flood(std::string bytes) {
+    return {Step::Kind::Flood, std::move(bytes)};
+}
+
 Step Pause(std::chrono::milliseconds time) {
     return {Step::Kind::Pause, {}, time};
+}
+
+Step Hold() {
+    return {Step::Kind::Hold};
 }
 
 Step Stall() {
@@ -82,8 +93,9 @@ std::string OkReply(const std::string& body) {
 }
 
 ScriptedServer::ScriptedServer(std::vector<Script> played)
-    : scripts(std::move(played)), listener(-1), stop{-1, -1}, port(0) {
+    : scripts(std::move(played)), listener(-1), stop{-1, -1}, release{-1, -1}, port(0) {
     Checked(pipe2(stop, O_CLOEXEC), "pipe2");
+    Checked(pipe2(release, O_CLOEXEC), "pipe2");
     listener = Checked(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0), "socket");
     sockaddr_in address = {};
     address.sin_family = AF_INET;
@@ -110,6 +122,8 @@ ScriptedServer::~ScriptedServer() {
         player.join();
     }
     close(stop[0]);
+    close(release[0]);
+    close(release[1]);
     close(listener);
 }
 
@@ -131,6 +145,11 @@ std::string ScriptedServer::OnlyRequest() const {
 void ScriptedServer::WaitForConnections(std::size_t count) {
     std::unique_lock<std::mutex> lock(mutex);
     accepted.wait(lock, [&] { return requests.size() >= count; });
+}
+
+void ScriptedServer::Release() {
+    // Nobody reads it, so that it is there for every one who waits.
+    Checked(static_cast<int>(write(release[1], "", 1)), "write");
 }
 
 void ScriptedServer::Accept() {
@@ -165,9 +184,15 @@ bool ScriptedServer::Do(const Step& step, int connection, std::size_t index) {
         return Read(connection, index, true);
     case Step::Kind::Send:
         return SendAll(connection, step.bytes);
+    case Step::Kind::Flood:
+        while (SendAll(connection, step.bytes)) {
+        }
+        return false;
     case Step::Kind::Pause:
         WaitUntil(-1, 0, static_cast<int>(step.time.count()));
         return true;
+    case Step::Kind::Hold:
+        return WaitUntil(release[0], POLLIN, -1);
     case Step::Kind::Stall:
         return WaitUntil(connection, POLLRDHUP, -1);
     case Step::Kind::HalfClose:
@@ -182,7 +207,7 @@ bool ScriptedServer::Do(const Step& step, int connection, std::size_t index) {
 }
 
 bool ScriptedServer::Read(int connection, std::size_t index, bool withBody) {
-    std::string bytes;
+    std::string bytes = Requests()[index];
     char buffer[16384];
     while (RequestSize(bytes, withBody) == std::string::npos) {
         if (!WaitUntil(connection, POLLIN, -1)) {

@@ -14,7 +14,7 @@ namespace Testing {
 
 /// One thing that a ScriptedServer does on a connection.
 struct Step {
-    enum class Kind { ReadHead, ReadRequest, Send, Pause, Stall, HalfClose, Reset };
+    enum class Kind { ReadHead, ReadRequest, Send, Flood, Pause, Hold, Stall, HalfClose, Reset };
 
     Kind kind;
     std::string bytes = {};
@@ -23,12 +23,17 @@ struct Step {
 
 /// Reads up to the empty line behind the request's header lines, and not the body.
 Step ReadHead();
-/// Reads the whole request: header lines and a body of the given length or in chunks.
+/// Reads the whole request, or what ReadHead() has left of it: header lines and a body of the given
+/// length or in chunks.
 Step ReadRequest();
 /// Sends the bytes as they are.
 Step Send(std::string bytes);
+/// Sends the bytes again and again, until the client has closed the connection.
+Step Flood(std::string bytes);
 /// Waits for that long, or until the server is destroyed.
 Step Pause(std::chrono::milliseconds time);
+/// Waits for the server's Release(), or until it is destroyed.
+Step Hold();
 /// Does nothing until the client closes the connection or the server is destroyed.
 Step Stall();
 /// Ends the server's sending side; the connection stays open for reading.
@@ -72,6 +77,9 @@ public:
     /// Blocks until that many connections have been accepted.
     void WaitForConnections(std::size_t count);
 
+    /// Lets every Hold() end.
+    void Release();
+
 private:
     void Accept();
     void Play(int connection, const Script& script, std::size_t index);
@@ -83,6 +91,7 @@ private:
     const std::vector<Script> scripts;
     int listener;
     int stop[2];
+    int release[2];
     unsigned short port;
     mutable std::mutex mutex;
     std::condition_variable accepted;
