@@ -1,15 +1,12 @@
 #include "CurlUtils/TransferTest.h"
+#include "support/Alarms.h"
+#include "support/LowDescriptorsTaken.h"
 
 #include <climits>
-#include <csignal>
 #include <cstdint>
 #include <cstring>
-#include <fcntl.h>
 #include <new>
-#include <sys/resource.h>
-#include <sys/time.h>
 #include <type_traits>
-#include <unistd.h>
 
 namespace Brenmoor {
 namespace TavoRemotingLib {
@@ -116,93 +113,20 @@ TEST_F(PostFileWait, EndsWhenTheSocketIsReady) {
     EXPECT_EQ(Post(Url(server), PositionedBytes(1048576)).body, "reply");
 }
 
-/// Has the process's timer interrupt this thread again and again while it lives.
-class Interruptions {
-public:
-    Interruptions() {
-        struct sigaction action = {};
-        action.sa_handler = [](int) {
-        }; // and no SA_RESTART
-        sigaction(SIGALRM, &action, &oldAction);
-    }
-    Interruptions(const Interruptions&) = delete;
-    Interruptions& operator=(const Interruptions&) = delete;
-    ~Interruptions() {
-        const itimerval none = {};
-        setitimer(ITIMER_REAL, &none, nullptr);
-        sigaction(SIGALRM, &oldAction, nullptr);
-    }
-
-    static void Start() {
-        const itimerval every = {{0, 5000}, {0, 5000}};
-        setitimer(ITIMER_REAL, &every, nullptr);
-    }
-
-private:
-    struct sigaction oldAction = {};
-};
-
-/// Keeps SIGALRM away from this thread, and from the threads it starts, while it lives.
-class WithoutAlarms {
-public:
-    WithoutAlarms() {
-        sigset_t alarms;
-        sigemptyset(&alarms);
-        sigaddset(&alarms, SIGALRM);
-        pthread_sigmask(SIG_BLOCK, &alarms, &before);
-    }
-    WithoutAlarms(const WithoutAlarms&) = delete;
-    WithoutAlarms& operator=(const WithoutAlarms&) = delete;
-    ~WithoutAlarms() {
-        pthread_sigmask(SIG_SETMASK, &before, nullptr);
-    }
-
-private:
-    sigset_t before = {};
-};
-
 TEST_F(PostFileWait, InterruptedBySignalEndsTheUpload) {
-    const Interruptions interruptions;
+    const Alarms alarms(0);
     std::optional<ScriptedServer> server;
     {
         const WithoutAlarms inherited;
         server.emplace(Script{ReadRequest(), Stall()});
     }
     interposer.SetMultiTimeout(60000);
-    Interruptions::Start();
+    Alarms::Start(5000);
     ExpectThrows<std::runtime_error>([&] { Post(Url(*server), "abc"); },
                                      "select() failed while performing file transfer");
     EXPECT_EQ(Releases(interposer), (Lines{"curl_formfree", "curl_slist_free_all",
                                            "curl_multi_cleanup", "curl_easy_cleanup"}));
 }
-
-/// Takes all descriptors below 1024 while it lives.
-class LowDescriptorsTaken {
-public:
-    LowDescriptorsTaken() {
-        getrlimit(RLIMIT_NOFILE, &before);
-        rlimit more = before;
-        more.rlim_cur = 2048;
-        EXPECT_EQ(setrlimit(RLIMIT_NOFILE, &more), 0);
-        int taken = -1;
-        while ((taken = open("/dev/null", O_RDONLY | O_CLOEXEC)) >= 0 && taken < FD_SETSIZE) {
-            descriptors.push_back(taken);
-        }
-        close(taken);
-    }
-    LowDescriptorsTaken(const LowDescriptorsTaken&) = delete;
-    LowDescriptorsTaken& operator=(const LowDescriptorsTaken&) = delete;
-    ~LowDescriptorsTaken() {
-        for (const int taken : descriptors) {
-            close(taken);
-        }
-        setrlimit(RLIMIT_NOFILE, &before);
-    }
-
-private:
-    rlimit before = {};
-    std::vector<int> descriptors;
-};
 
 TEST_F(PostFileWait, DescriptorsOf1024AndAboveAreNotWaitedFor) {
     const ScriptedServer server(OkReply("reply"));

@@ -12,7 +12,6 @@ namespace Testing {
 namespace {
 
 constexpr std::size_t threadCount = 16;
-constexpr std::size_t callsPerThread = 8;
 
 class ClientThreads : public ClientTest {
 protected:
@@ -21,12 +20,12 @@ protected:
         file = MakeFile("f.json", std::string(20000, ' ') + "\"zone\":1");
     }
 
-    /// One thread's calls: some operations in turn, under an identifier of its own. Returns the
-    /// messages of those that threw.
+    /// One thread's calls: every operation, each thread beginning with another one, under an
+    /// identifier of its own. Returns the messages of those that threw.
     std::vector<std::string> Call(HalcyrREST& client, std::size_t thread) const {
         const std::vector<Operation> operations = Operations();
         std::vector<std::string> messages;
-        for (std::size_t i = 0; i < callsPerThread; ++i) {
+        for (std::size_t i = 0; i < operations.size(); ++i) {
             try {
                 operations[(thread + i) % operations.size()].call(
                     client, "&T" + std::to_string(thread), file);
@@ -98,8 +97,8 @@ private:
 TEST_F(ClientThreads, ManyAtOnceDoWhatTheyDoOneAfterTheOther) {
     const Outcome alone = Run(std::launch::deferred);
     const Outcome together = Run(std::launch::async);
-    EXPECT_EQ(alone.requests.size(), threadCount * callsPerThread);
-    EXPECT_EQ(alone.logged.size(), threadCount * callsPerThread);
+    EXPECT_EQ(alone.requests.size(), threadCount * Operations().size());
+    EXPECT_EQ(alone.logged.size(), threadCount * Operations().size());
     EXPECT_FALSE(alone.messages.empty());
     for (const std::string& message : alone.messages) {
         EXPECT_EQ(message.find("Server operation returned '{\"shutdown\":true}' for "
