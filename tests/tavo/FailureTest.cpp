@@ -155,6 +155,15 @@ TEST_F(FailureTest, NoConnectionIsCode3) {
                        "all_proxy in the environment\n"}));
 }
 
+TEST_F(FailureTest, AddressesThatLibcurlRefusesAreCode2) {
+    EXPECT_EQ(Against("h:99999", {"off"}),
+              (Outcome{2, "",
+                       "tavo off: 'SERVER' is not an address: curl_easy_perform returned 3 "
+                       "(URL using bad/illegal format or missing URL); write it as HOST or "
+                       "HOST:PORT\n"}));
+    EXPECT_EQ(Against("[::1]:1", {"off"}).code, 3);
+}
+
 TEST_F(FailureTest, NoAnswerInTimeIsCode4) {
     const FullListener listener;
     EXPECT_EQ(Against(listener.Address(), {"off"}),
