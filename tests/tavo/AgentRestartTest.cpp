@@ -126,6 +126,9 @@ TEST_F(AgentRestartTest, FiftyKillsLoseNothingAndRunNothingTwice) {
         agent->Signal(SIGKILL);
         EXPECT_EQ(agent->Finish().code, -SIGKILL);
     }
+    // The last agent has something to do, so that it is not stopped before it can tell.
+    tags.insert("last");
+    Queue("last");
     Start({}, append);
     std::set<std::string> answered;
     while (answered != tags) {
