@@ -1,5 +1,6 @@
 #include "Outcomes.h"
 
+#include "support/FaultsUntilLimit.h"
 #include "wire/EscapedText.h"
 
 #include <cmath>
@@ -28,14 +29,6 @@ const std::map<std::string, std::string> healthy = {
 constexpr long pollMs = 240000;
 /// What is made of the client's limit where it alone ends the call.
 constexpr long shortLimitMs = 200;
-
-bool EndsWithTheLimit(const std::string& fault) {
-    static const std::set<std::string> faults = {
-        "length-missing-open", "chunk-trailers-endless", "upload-unread", "silence",
-        "stall-in-head",       "stall-in-body",          "dribble",       "just-after-limit",
-        "body-endless",        "interim-stall"};
-    return faults.count(fault) > 0;
-}
 
 /// A simulator that stands still at one place and time.
 struct Scene {
