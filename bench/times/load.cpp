@@ -1,0 +1,5 @@
+// Does nothing: what it takes is to be loaded.
+
+int main() {
+    return 0;
+}
