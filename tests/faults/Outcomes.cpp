@@ -144,6 +144,16 @@ std::vector<Outcome> Victim::Outcomes() {
     return outcomes;
 }
 
+Outcome Victim::OutcomeOf(const Operation& operation) {
+    const TavoSimulator::Testing::TempFolder folder;
+    const std::string file = folder.path + "/file";
+    TavoSimulator::Testing::WriteFile(file, "{}");
+    return Struck(operation.operation, operation.name, operation.label, [&] {
+        operation.call(client, id, file);
+        return "success";
+    });
+}
+
 Outcome Victim::Struck(const std::string& operation, const std::string& call,
                        const std::string& label, const std::function<std::string()>& action) {
     TavoSimulator::ArmedFault armed;
@@ -155,7 +165,8 @@ Outcome Victim::Struck(const std::string& operation, const std::string& call,
     behind.clear();
     try {
         outcome.text = action();
-        if (outcome.text == healthy.at(call)) {
+        const auto whenHealthy = healthy.find(call);
+        if (whenHealthy == healthy.end() || outcome.text == whenHealthy->second) {
             outcome.text = "as without the fault";
         }
     } catch (const std::exception& e) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "HalcyrREST/Operations.h"
 #include "support/Interposer.h"
 #include "support/Wire.h"
 
@@ -31,6 +32,9 @@ public:
     /// A call of each kind, each struck by the fault: a GET whose reply's body is handed over, a
     /// poll with a command and a position to report, and an upload.
     std::vector<Outcome> Outcomes();
+
+    /// Any operation but a poll, struck by the fault.
+    Outcome OutcomeOf(const Operation& operation);
 
 private:
     Outcome Struck(const std::string& operation, const std::string& call, const std::string& label,
