@@ -5,6 +5,7 @@ import re
 import shlex
 import shutil
 import subprocess
+import threading
 from pathlib import Path
 
 OBJECTS = "src/CMakeFiles/TavoRemotingObjects.dir/"
@@ -16,8 +17,8 @@ def sources_of(root):
 
 
 class Build:
-    """What is the same for every mutant: the commands of a finished build, and a precompiled header
-    of what the sources include of other libraries."""
+    """What is the same for every mutant: the commands of a finished build, and precompiled
+    headers."""
 
     def __init__(self, root, folder, scratch):
         self.root, self.folder, self.scratch = root, folder, scratch
@@ -27,8 +28,8 @@ class Build:
                           for entry in entries if OBJECTS in entry["command"]}
         self.program = self.link_command("tavo_tests", "tests/tavo_tests")
         self.library = self.link_command("TavoRemotingLib", "src/libTavoRemotingLib.so")
-        self.header = scratch / "others.h"
-        self.precompile()
+        self.headers, self.lock = {}, threading.Lock()
+        self.linker = "-fuse-ld=lld" if shutil.which("ld.lld") else "-fuse-ld=gold"
 
     def link_command(self, target, output):
         commands = subprocess.run(["ninja", "-C", self.folder, "-t", "commands", target],
@@ -37,14 +38,20 @@ class Build:
         words = shlex.split(line)
         return words[words.index("&&") + 1:words.index("&&", words.index("&&") + 1)]
 
-    def precompile(self):
-        own = [*(self.root / "include").rglob("*.h"), *(self.root / "framework/include").rglob("*.h")]
-        texts = [*self.texts.values(), *(path.read_text() for path in own)]
-        included = set(re.findall(r"^#include <(?!TavoRemotingLib|MirrinFramework)(.*)>", "\n".join(texts), re.M))
-        self.header.write_text("".join(f"#include <{name}>\n" for name in sorted(included)))
-        command = self.command(next(iter(self.compiling)), f"{self.header}.gch")
-        command[-2:] = ["-x", "c++-header", str(self.header)]
-        subprocess.run(command, cwd=self.folder, check=True)
+    def header(self, source):
+        """A precompiled header of what a source includes of the library's public headers and of
+        other libraries, made on first use. It takes most of the time to compile a source."""
+        with self.lock:
+            if source not in self.headers:
+                text = self.texts[source]
+                own = [self.texts["src/" + name] for name in re.findall(r'^#include "(.*)"', text, re.M)]
+                header = self.scratch / (source.replace("/", "-") + ".h")
+                names = set(re.findall(r"^#include <.*>", "\n".join([text, *own]), re.M))
+                header.write_text("\n".join(sorted(names)) + "\n")
+                command = self.command(source, f"{header}.gch")
+                subprocess.run([*command[:-2], "-x", "c++-header", str(header)], cwd=self.folder, check=True)
+                self.headers[source] = header
+            return self.headers[source]
 
     def command(self, source, output):
         """A source's compile command without warnings, which are no test; the source comes last."""
@@ -104,7 +111,7 @@ class Workplace:
         command = self.build.command(source, output)
         old, new = f"{self.build.root}/src", f"{self.folder}/src"
         command = [word.replace(old, new) if word.startswith(("-I", "/")) else word for word in command]
-        self.run([command[0], "-include", str(self.build.header), *command[1:]])
+        self.run([command[0], "-include", str(self.build.header(source)), *command[1:]])
         return output
 
     def link(self, command, output):
@@ -112,7 +119,7 @@ class Workplace:
                    for source, made in self.objects.items()}
         words = [changed.get(word, word) for word in command]
         words[words.index("-o") + 1] = str(output)
-        self.run([words[0], "-fuse-ld=gold", *words[1:]])
+        self.run([words[0], self.build.linker, *words[1:]])
 
     def run(self, command):
         subprocess.run(command, cwd=self.build.folder, check=True, stdin=subprocess.DEVNULL,

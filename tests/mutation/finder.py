@@ -79,21 +79,13 @@ class Finder:
             self.add("constant", token.begin, token.end, "false" if token.text == "true" else "true")
 
     def texts(self, token):
-        """Empties a text, and changes one character in its middle; of a character, that one."""
-        quote = token.text.index('"' if token.kind == "string" else "'")
-        inner = token.text[quote + 1:-1]
-        edge = token.text[:quote + 1], token.text[-1]
-        if "R" in edge[0]:
-            return
-        units = re.findall(r"\\(?:x[0-9a-fA-F]+|[0-7]{1,3}|.)|.", inner)
-        if token.kind == "string":
-            if not units:
-                self.add("text", token.begin, token.end, edge[0] + "x" + edge[1])
-                return
-            self.add("text", token.begin, token.end, edge[0] + edge[1])
+        """Changes the character in the middle: who notices that, compares the whole text."""
+        quote = token.text.index('"' if token.kind == "string" else "'") + 1
+        units = re.findall(r"\\(?:x[0-9a-fA-F]+|[0-7]{1,3}|.)|.", token.text[quote:-1])
         middle = len(units) // 2
-        units[middle] = "y" if units[middle] == "x" else "x"
-        self.add("text", token.begin, token.end, edge[0] + "".join(units) + edge[1])
+        units[middle:middle + 1] = "y" if units[middle:middle + 1] == ["x"] else "x"
+        if "R" not in token.text[:quote]:
+            self.add("text", token.begin, token.end, token.text[:quote] + "".join(units) + token.text[-1])
 
     def condition(self, first, last):
         begin, end = self.tokens[first].begin, self.tokens[last].end
@@ -144,8 +136,17 @@ class Finder:
         if word == "return" and last > first + 1:
             if self.text(first + 1, last - 1) not in DEFAULTS:
                 self.add("return", begin, end, "return {};")
-        elif word not in KEEP:
+        elif word not in KEEP and not self.declares(first, last):
             self.add("throw" if word == "throw" else "statement", begin, end, ";")
+
+    def declares(self, first, last):
+        """Whether the statement gives a name that is used later its first value: nothing compiles
+        without it."""
+        words = [token for token in self.tokens[first:last] if token.text not in ("*", "&", "::")]
+        equals = next((i for i, token in enumerate(words) if token.text == "="), 0)
+        if equals < 2 or words[equals - 1].kind != "word" or words[equals - 2].text in (".", "->"):
+            return False
+        return any(token.text == words[equals - 1].text for token in self.tokens[last:])
 
     def statements(self):
         inside = self.bodies()

@@ -4,6 +4,7 @@ import json
 import queue
 import random
 import shutil
+import signal
 import sys
 import tempfile
 import threading
@@ -19,6 +20,7 @@ from trial import Trial
 ROOT = Path(__file__).resolve().parents[2]
 FOLDER = ROOT / "build/mutate"
 RESULTS = FOLDER / "mutants.jsonl"
+DONE = ("killed", "hung", "not compiled")
 LIST = ROOT / "tests/mutation/equivalent.txt"
 
 
@@ -27,7 +29,7 @@ def arguments():
     parser.add_argument("--only", metavar="FILE", action="append", help="mutants of this source file only")
     parser.add_argument("--sample", metavar="N", type=int, help="that many of them, drawn at random")
     parser.add_argument("--seed", metavar="S", type=int, default=1, help="for the drawing (default: 1)")
-    parser.add_argument("--again", action="store_true", help="what survived the last run only")
+    parser.add_argument("--again", action="store_true", help="only what the last run did not kill or reach")
     parser.add_argument("--listed", action="store_true", help="those of the list only, which must survive")
     parser.add_argument("--quick", action="store_true", help="with the quick tests only")
     parser.add_argument("--list", action="store_true", help="only print the mutants")
@@ -45,7 +47,7 @@ def chosen(options, mutants, equivalents):
         mutants = [mutant for mutant in mutants if mutant.file in options.only]
     if options.again:
         last = {tuple(entry["key"]): entry["state"] for entry in map(json.loads, RESULTS.open())}
-        mutants = [mutant for mutant in mutants if last.get(mutant.key) == "survived"]
+        mutants = [mutant for mutant in mutants if last.get(mutant.key) not in DONE]
     if options.listed:
         mutants = [mutant for mutant in mutants if mutant.key in equivalents]
     if options.sample is not None and options.sample < len(mutants):
@@ -118,6 +120,8 @@ def run(options, mutants, equivalents, scratch):
 
 def main():
     options = arguments()
+    for ending in (signal.SIGINT, signal.SIGTERM):
+        signal.signal(ending, lambda number, frame: sys.exit(128 + number))
     every = [m for file in sources_of(ROOT) for m in mutants_of(file, (ROOT / file).read_text())]
     equivalents = report.equivalents_of(LIST)
     mutants = chosen(options, every, equivalents)

@@ -25,7 +25,6 @@ bool Sum(int a, std::vector<int>&& b) {
 }
 '''
 EXPECTED = r'''
-const char* const text = "";
 const char* const text = "ax";
 if (a <= 2 && !b.empty()) {
 if (a >= 2 && !b.empty()) {
