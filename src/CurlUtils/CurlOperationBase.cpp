@@ -83,7 +83,7 @@ std::size_t CurlOperationBase::WriteHeader(void* data, std::size_t size,
         if (length > line.capacity()) {
             line.reserve(std::max(length, usualLine));
         }
-        line.assign(static_cast<const char*>(data), length);
+        line.append(static_cast<const char*>(data), length); // cheaper than assign()
         headers.push_back(std::move(line));
         return length;
     } catch (...) {
