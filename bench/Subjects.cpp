@@ -76,7 +76,7 @@ std::vector<Subject> Polls(const Maker& client) {
 std::vector<Subject> Threads(const Maker& client) {
     std::vector<Subject> all;
     for (const unsigned count : {1U, 4U, 16U}) {
-        const std::size_t size = 2U * getsOfAThread * count;
+        const std::size_t size = std::size_t{2} * getsOfAThread * count;
         all.push_back({"threads-" + std::to_string(count), size, 1, [client, count] {
                            GetByThreads(*client, count);
                        }});
