@@ -1,14 +1,15 @@
-"""Draws docs/performance.svg: instructions and times over bare, a line for each client."""
+"""Draws docs/performance.svg: what each client costs over bare."""
 
 import math
 
-from tables import TITLES
+from measure import TITLES
 
 PATH = 'docs/performance.svg'
 SUBJECTS = ['get', 'get-8mb', 'upload-1kb', 'upload-1mb', 'upload-file', 'poll-100', 'poll-10000']
 CLIENTS = ['library', 'curlpp', 'poco', 'httplib', 'beast']
-LANE, GAP, HEAD, FOOT = 14, 16, 88, 44
-SUBJECT_AT, CLIENT_AT, PLOTS, PLOT, MARGIN = 24, 232, (250, 580), 262, 24
+LANE, GAP, HEAD, FOOT = 14, 16, 88, 58
+SUBJECT_AT, CLIENT_AT, PLOTS, PLOT, MARGIN = 24, 232, (252, 472, 692), 190, 16
+MOST = 16  # a longer line ends there, with an arrow
 STYLE = """
 text { font: 12px system-ui, "Segoe UI", Helvetica, Arial, sans-serif; fill: #57606a }
 .title { font-size: 17px; font-weight: 600; fill: #1f2328 }
@@ -18,10 +19,9 @@ text { font: 12px system-ui, "Segoe UI", Helvetica, Arial, sans-serif; fill: #57
 .band { fill: #f6f8fa }
 .grid { stroke: #d8dee4 }
 .one { stroke: #57606a; stroke-width: 1.5 }
-.peer { stroke: #9aa4af; fill: #9aa4af }
-.library { stroke: #0969da; fill: #0969da }
-.value { fill: #57606a; stroke: none }
-.value.library { fill: #0969da; font-weight: 600 }
+.mark-peer { stroke: #9aa4af; fill: #9aa4af }
+.mark-library { stroke: #0969da; fill: #0969da }
+.of-library { font-weight: 600; fill: #0969da }
 @media (prefers-color-scheme: dark) {
   text { fill: #9198a1 }
   .title, .strong { fill: #f0f6fc }
@@ -29,10 +29,9 @@ text { font: 12px system-ui, "Segoe UI", Helvetica, Arial, sans-serif; fill: #57
   .band { fill: #151b23 }
   .grid { stroke: #2a313c }
   .one { stroke: #9198a1 }
-  .peer { stroke: #656c76; fill: #656c76 }
-  .library { stroke: #4493f8; fill: #4493f8 }
-  .value { fill: #9198a1 }
-  .value.library { fill: #4493f8 }
+  .mark-peer { stroke: #656c76; fill: #656c76 }
+  .mark-library { stroke: #4493f8; fill: #4493f8 }
+  .of-library { fill: #4493f8 }
 }
 """
 
@@ -47,26 +46,33 @@ def row_top(row):
     return HEAD + row * (len(CLIENTS) * LANE + GAP)
 
 
+def written(value):
+    return f'{value:.2f}' if value <= MOST else f'{value:.0f} →'
+
+
 class Panel:
     """One figure of every client; each step of the axis is twice the one before."""
 
     def __init__(self, left, title, values):
         self.left, self.title, self.values = left, title, values
         self.low = math.floor(math.log2(min(min(row) for row in values)))
-        self.high = math.ceil(math.log2(max(max(row) for row in values)))
+        self.high = math.ceil(math.log2(min(max(max(row) for row in values), MOST)))
+        self.labelled = 2 if self.high - self.low > 5 else 1
 
     def x(self, value):
         # The value is written behind the longest line.
-        return self.left + (math.log2(value) - self.low) / (self.high - self.low) * (PLOT - 34)
+        share = (math.log2(min(value, MOST)) - self.low) / (self.high - self.low)
+        return self.left + share * (PLOT - 34)
 
     def axis(self, bottom):
         lines = [element('text', self.title, x=self.left, y=HEAD - 30, class_='strong')]
         for power in range(self.low, self.high + 1):
             x = f'{self.x(2 ** power):.1f}'
             lines += [element('line', x1=x, y1=HEAD - 6, x2=x, y2=bottom,
-                              class_='one' if power == 0 else 'grid'),
-                      element('text', f'{2 ** power:g}×', x=x, y=HEAD - 12, text_anchor='middle',
-                              class_='small strong' if power == 0 else 'small')]
+                              class_='one' if power == 0 else 'grid')]
+            if power % self.labelled == 0:
+                lines.append(element('text', f'{2 ** power:g}×', x=x, y=HEAD - 12, text_anchor='middle',
+                              class_='small strong' if power == 0 else 'small'))
         return lines
 
     def marks(self):
@@ -76,10 +82,10 @@ class Panel:
                 y = row_top(row) + GAP / 2 + lane * LANE + LANE / 2
                 x, kind = self.x(value), 'library' if client == 'library' else 'peer'
                 lines += [element('line', x1=f'{self.x(1):.1f}', y1=y, x2=f'{x:.1f}', y2=y,
-                                  stroke_width=3, class_=kind),
-                          element('circle', cx=f'{x:.1f}', cy=y, r=4, class_=kind),
-                          element('text', f'{value:.2f}', x=f'{max(x, self.x(1)) + 8:.1f}',
-                                  y=y + 4, class_=f'small value {kind}')]
+                                  stroke_width=3, class_='mark-' + kind),
+                          element('circle', cx=f'{x:.1f}', cy=y, r=4, class_='mark-' + kind),
+                          element('text', written(value), x=f'{max(x, self.x(1)) + 8:.1f}',
+                                  y=y + 4, class_='small of-' + kind)]
         return lines
 
 
@@ -96,22 +102,22 @@ def names(width):
         for lane, client in enumerate(CLIENTS):
             lines.append(element('text', client, x=CLIENT_AT, text_anchor='end',
                                  y=top + GAP / 2 + lane * LANE + 11,
-                                 class_=f'small value {client}'))
+                                 class_='small of-' + client))
     return lines
 
 
 def write(figures):
-    def over_bare(found, value):
-        return [[value(found[client][name]) / value(found['bare'][name]) for client in CLIENTS]
+    def over_bare(found, field):
+        return [[found[client][name][field] / found['bare'][name][field] for client in CLIENTS]
                 for name in SUBJECTS]
 
-    width, bottom = PLOTS[1] + PLOT + MARGIN, row_top(len(SUBJECTS))
-    panels = [Panel(PLOTS[0], 'Instructions',
-                    over_bare(figures['amd64'], lambda found: found['instructions'])),
-              Panel(PLOTS[1], 'Median time', over_bare(figures['times'], lambda found: found[1]))]
+    width, bottom = PLOTS[-1] + PLOT + MARGIN, row_top(len(SUBJECTS))
+    panels = [Panel(PLOTS[0], 'Instructions', over_bare(figures['amd64'], 'instructions')),
+              Panel(PLOTS[1], 'Allocations', over_bare(figures['amd64'], 'allocations')),
+              Panel(PLOTS[2], 'Median time', over_bare(figures['times'], 1))]
     lines = [f'<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 {width} {bottom + FOOT}" '
              f'width="{width}" height="{bottom + FOOT}" role="img">',
-             element('title', 'Instructions and times over hand-written libcurl'),
+             element('title', 'Instructions, allocations and times over hand-written libcurl'),
              element('style', STYLE),
              element('rect', x=0.5, y=0.5, width=width - 1, height=bottom + FOOT - 1, rx=6,
                      class_='page'),
@@ -119,7 +125,12 @@ def write(figures):
                      x=SUBJECT_AT, y=32, class_='title'), *names(width)]
     for panel in panels:
         lines += panel.axis(bottom) + panel.marks()
-    lines += [element('text', 'Left of the line at 1× is cheaper than hand-written libcurl, right of '
-                      f'it dearer. amd64, {figures["date"]}.', x=SUBJECT_AT, y=bottom + 26), '</svg>']
+    notes = ['Left of the line at 1× is cheaper than hand-written libcurl, right of it dearer. amd64, '
+             f'{figures["date"]}; times are noisy, counts are not.',
+             'As its contract has it, the library sends content from a temporary file, and turns each '
+             'command back to text and parses it again.']
+    lines += [element('text', note, x=SUBJECT_AT, y=bottom + 24 + 18 * i)
+              for i, note in enumerate(notes)]
+    lines.append('</svg>')
     with open(PATH, 'w', encoding='utf-8') as file:
         file.write('\n'.join(lines) + '\n')

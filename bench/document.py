@@ -13,9 +13,11 @@ TEXT = """# Performance
 What the library costs beside hand-written libcurl and beside other clients, as `scripts/bench`
 measured it on {date}. It writes this page.
 
-Machine: {machine}. Load averages (1, 5 and 15 minutes) before and after the times were taken:
-{load}. Instructions and allocations do not depend on the load.
+Machine: {machine}.
 {versions}
+
+Goals are set on what is counted: instructions, allocations, bytes. That repeats, to about a hundredth
+of the instructions, whatever else the machine does. {load}
 
 Compared are, each with a connection of its own for each exchange and against the same responder:
 
@@ -29,10 +31,14 @@ Compared are, each with a connection of its own for each exchange and against th
 
 {goals}
 
+The last two are of processor time, that of the client and that of the program which is loaded, and of
+the least of {repetitions} repetitions: on a shared machine, time by the clock tells more about the other
+work. (The clock's medians are in the next table.)
+
 "By hand through the file" is bare, but with the temporary file that the upload's format names, made
 with the framework's types, as the contract has it.
 
-![Instructions and times over bare](performance.svg)
+![Instructions and times of each client, in multiples of hand-written libcurl](performance.svg)
 
 ## Exchanges, amd64
 
@@ -120,10 +126,10 @@ Times:
     {timing}
 
 A figure of instructions is the median of {batches} batches of up to 20 runs, of three for those that take
-long. What an allocation takes depends on those before it, so each batch begins with another heap, the
-same for all. The programs run on one processor, so that the responder's turn is always when the client
-waits, and with copies by `rep movsb` switched off, which callgrind counts byte by byte. Times are
-medians of {repetitions} repetitions in mixed order.
+long, and of one for the large file. What an allocation takes depends on those before it, so each batch
+begins with another heap, the same for all. The programs run on one processor, so that the responder's
+turn is always when the client waits, and with copies by `rep movsb` switched off, which callgrind
+counts byte by byte. Times are medians of {repetitions} repetitions in mixed order.
 
 `scripts/bench --check` compares instructions and allocations with `bench/limits.json` and fails when
 one is more than two hundredths above, and when it does not notice a client that is made to cost
@@ -156,18 +162,24 @@ def versions():
     return '\n'.join(tables.wrapped(', '.join(found + compilers) + '.'))
 
 
+def load(averages):
+    return '\n'.join(tables.wrapped(
+        'Times do not: while they were taken, other work ran on the same processors (load averages over 1, 5 and 15 '
+        f'minutes: {averages[0]} before, {averages[1]} after). Each is a median, and the quartiles '
+        'of bare show how far to trust it.'))
+
+
 def write(figures):
     amd64, armhf, times = figures['amd64'], figures['armhf'], figures['times']
     example = ('library', '/tmp/large')
     amd64_arguments = ('amd64', *example, figures['batches'], 'all')
     armhf_arguments = ('armhf', *example, figures['batches'], 'all')
     text = TEXT.format(
-        date=figures['date'], machine=machine(), versions=versions(),
-        load=' and '.join(figures['load']), goals=tables.goals_table(figures),
+        date=figures['date'], machine=machine(), versions=versions(), load=load(figures['load']), goals=tables.goals_table(figures),
         times=tables.times_over_bare(times), instructions=tables.over_bare(amd64),
         allocations=tables.absolute(amd64, 'allocations'), peak=tables.absolute(amd64, 'peak'),
         descriptors=tables.absolute(amd64, 'descriptors'), copied=tables.copied(amd64),
-        uploads=tables.uploads(amd64, times), decoding=tables.decoding(amd64, times),
+        uploads=tables.uploads(amd64, times), decoding=tables.decoding(amd64),
         local=tables.local(amd64, times),
         armhf_instructions=tables.over_bare(armhf),
         armhf_allocations=tables.absolute(armhf, 'allocations'),

@@ -15,8 +15,8 @@ import tables
 
 RESULTS = 'build/bench-results.json'
 GIB = 1024 ** 3
-BATCHES = 60
-REPETITIONS = 15
+BATCHES = 30
+REPETITIONS = 11
 # What threads do at once, the plugin of qemu does not count exactly.
 SUBJECTS = {'amd64': 'all',
             'armhf': ','.join(['get,get-8mb,upload-1kb,upload-1mb,upload-file'] +

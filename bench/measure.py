@@ -12,6 +12,12 @@ import subprocess
 import tempfile
 
 CLIENTS = ['library', 'bare', 'file', 'contract', 'curlpp', 'poco', 'httplib', 'beast']
+# What people call the exchanges.
+TITLES = {'get': 'GET, small reply', 'get-8mb': 'GET of 8 MB', 'upload-1kb': 'upload of 1 KB',
+          'upload-1mb': 'upload of 1 MB', 'upload-file': 'upload of a 1 GiB file',
+          'poll-1': 'poll, 1 command', 'poll-100': 'poll, 100 commands',
+          'poll-1000': 'poll, 1,000 commands', 'poll-10000': 'poll, 10,000 commands',
+          'threads-1': 'threads-1', 'threads-4': 'threads-4', 'threads-16': 'threads-16'}
 SERVER = 'build/bench-amd64/tests/responder/with_server'
 TIMES = 'build/bench-amd64/bench/bench_times'
 PLUGIN = 'build/bench-amd64/bench/libbench_qemu.so'
@@ -132,7 +138,8 @@ def counts(arch, client, file, batches, subjects='all'):
 
 
 def times(file, repetitions):
-    """times[client][subject]: the median of one run in nanoseconds, and its quartiles."""
+    """times[client][subject]: the quartiles of one run in nanoseconds, the least, and the least
+    that the client itself had the processor."""
     with tempfile.TemporaryDirectory() as folder:
         out = os.path.join(folder, 'times.json')
         run(times_command(file, repetitions, out))
@@ -142,10 +149,15 @@ def times(file, repetitions):
     for entry in runs:
         if entry['run_type'] == 'iteration':
             subject, client = entry['run_name'].split('/')[:2]
-            samples.setdefault(client, {}).setdefault(subject, []).append(entry['real_time'])
-    return {client: {subject: statistics.quantiles(values, n=4)
-                     for subject, values in subjects.items()}
+            samples.setdefault(client, {}).setdefault(subject, []).append(entry)
+    return {client: {subject: summary(entries) for subject, entries in subjects.items()}
             for client, subjects in samples.items()}
+
+
+def summary(entries):
+    taken = [entry['real_time'] for entry in entries]
+    return statistics.quantiles(taken, n=4) + [min(taken),
+                                                min(entry['cpu_time'] for entry in entries)]
 
 
 def add_decoding(figures):

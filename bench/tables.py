@@ -3,13 +3,9 @@
 import textwrap
 
 import goals
+from measure import TITLES
 
 PEERS = ['library', 'bare', 'curlpp', 'poco', 'httplib', 'beast']
-TITLES = {'get': 'GET, small reply', 'get-8mb': 'GET of 8 MB', 'upload-1kb': 'upload of 1 KB',
-          'upload-1mb': 'upload of 1 MB', 'upload-file': 'upload of a 1 GiB file',
-          'poll-1': 'poll, 1 command', 'poll-100': 'poll, 100 commands',
-          'poll-1000': 'poll, 1,000 commands', 'poll-10000': 'poll, 10,000 commands',
-          'threads-1': 'threads-1', 'threads-4': 'threads-4', 'threads-16': 'threads-16'}
 LARGE = [name for name in TITLES if not name.startswith(('poll-', 'threads-')) and name != 'get']
 
 
@@ -103,17 +99,15 @@ def decoded(figures, count):
             for client in ['library', 'contract', 'bare']] + [number(parse)]
 
 
-def decoding(figures, times):
+def decoding(figures):
     rows = []
     for count in goals.POLLS:
-        library = times['library']['poll-' + count][1] - times['library']['reply-' + count][1]
         rows.append([f'{int(count):,}'] + decoded(figures, count) + [
             number(figures['library']['decode-' + count]['allocations']),
-            number(figures['bare']['parse-' + count]['allocations']),
-            f'{library / times["bare"]["parse-" + count][1]:.2f}'])
+            number(figures['bare']['parse-' + count]['allocations'])])
     return table(['Commands', 'instructions: library', 'by hand, each item as text again',
-                  'by hand from one parse', 'of one parse', 'allocations: library', 'one parse',
-                  'time: library'], rows)
+                  'by hand from one parse', 'of one parse', 'allocations: library', 'one parse'],
+                 rows)
 
 
 def contract_of_armhf(figures):

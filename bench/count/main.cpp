@@ -17,10 +17,17 @@ using namespace Brenmoor::TavoRemotingLib::Bench;
 
 namespace {
 
-/// What takes seconds needs no warming.
+/// What takes seconds needs no warming, and what allocations take does not matter there.
 constexpr std::size_t largeBody = 50000000;
 /// For subjects that take long; what allocations take matters little there.
 constexpr int fewBatches = 3;
+
+int BatchesOf(const Subject& subject, int wanted) {
+    if (subject.body >= largeBody) {
+        return 1;
+    }
+    return subject.runs > 1 ? wanted : std::min(wanted, fewBatches);
+}
 
 std::vector<std::string> Split(const std::string& text) {
     std::vector<std::string> names;
@@ -49,10 +56,10 @@ void Count(const Subject& subject, int batches) {
     }
     const std::string name =
         subject.name + ":" + std::to_string(subject.runs) + ":" + std::to_string(subject.body);
-    const bool isShort = subject.runs > 1;
+    const int count = BatchesOf(subject, batches);
     std::minstd_rand random;
     Blocks kept;
-    for (int batch = 0; batch < (isShort ? batches : std::min(batches, fewBatches)); ++batch) {
+    for (int batch = 0; batch < count; ++batch) {
         Scatter(random, kept);
         BeginRegion();
         for (unsigned run = 0; run < subject.runs; ++run) {
