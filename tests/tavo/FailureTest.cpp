@@ -164,6 +164,19 @@ TEST_F(FailureTest, AddressesThatLibcurlRefusesAreCode2) {
     EXPECT_EQ(Against("[::1]:1", {"off"}).code, 3);
 }
 
+TEST_F(FailureTest, NothingTakesThePlaceOfAMissingStandardStream) {
+    const ScriptedServer server(OkReply("OK"));
+    std::string line;
+    for (const std::string& word : CommandOf(TAVO_PATH)) {
+        line += word + " ";
+    }
+    line += "off --trace -s " + server.Address() + " -i P1 <&- >&- 2>&-";
+    Program shell({"bash", "-c", line});
+    EXPECT_EQ(shell.Wait(), 6);
+    EXPECT_EQ(server.OnlyRequest(), "GET /xp?op=off&id=P1 HTTP/1.1\r\nHost: " + server.Address() +
+                                        "\r\nAccept: */*\r\n\r\n");
+}
+
 TEST_F(FailureTest, NoAnswerInTimeIsCode4) {
     const FullListener listener;
     EXPECT_EQ(Against(listener.Address(), {"off"}),

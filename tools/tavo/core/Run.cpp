@@ -6,6 +6,7 @@
 #include "core/Session.h"
 
 #include <csignal>
+#include <fcntl.h>
 #include <iostream>
 #include <unistd.h>
 
@@ -40,9 +41,20 @@ ExitCode Tell(Failure failure, const Command* command) {
     return failure.code;
 }
 
+/// A file that is opened in the place of a missing standard stream would be taken for it. What
+/// takes the place here fails as the missing one would.
+void FillStandardStreams() {
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (fcntl(stream, F_GETFD) < 0) {
+            open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+        }
+    }
+}
+
 } // namespace
 
 int Run(const std::vector<std::string>& arguments, const std::vector<Command>& commands) {
+    FillStandardStreams();
     // A closed pipe is a failed write, told as any other.
     std::signal(SIGPIPE, SIG_IGN);
     CommonOptions options;
