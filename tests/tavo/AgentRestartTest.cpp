@@ -2,9 +2,13 @@
 
 #include <algorithm>
 #include <csignal>
+#include <fcntl.h>
+#include <filesystem>
 #include <random>
 #include <set>
+#include <sys/stat.h>
 #include <thread>
+#include <unistd.h>
 
 namespace Brenmoor {
 namespace Tavo {
@@ -14,10 +18,12 @@ namespace {
 
 class AgentRestartTest : public AgentTest {
 protected:
-    /// A journal's line for the command "go" with the tag "t1".
-    static std::string Line(const std::string& state, const std::string& more = "") {
-        return "{" + more + "\"command\":\"go\",\"id\":\"P1\",\"isFile\":false,\"state\":\"" +
-               state + "\",\"succeeded\":true,\"tag\":\"t1\"}\n";
+    /// A journal's line for the command "go" with the tag "t1", or a further one with another tag.
+    static std::string Line(const std::string& state, const std::string& more = "",
+                            const std::string& number = "1", const std::string& tag = "t1") {
+        return "{" + more +
+               "\"command\":\"go\",\"id\":\"P1\",\"isFile\":false,\"number\":" + number +
+               ",\"state\":\"" + state + "\",\"succeeded\":true,\"tag\":\"" + tag + "\"}\n";
     }
 
     static constexpr char append[] = "echo \"$TAVO_TAG\" >>\"$0\"; echo ran";
@@ -70,6 +76,31 @@ TEST_F(AgentRestartTest, AnEmptyTagIsNeverTheSame) {
     EXPECT_EQ(Stop().code, 0);
 }
 
+TEST_F(AgentRestartTest, TwinsWithoutTagAreToldApart) {
+    WriteFile("journal", Line("received", "", "1", "") + Line("received", "", "2", "") +
+                             Line("started", "", "1", "") +
+                             Line("ended", "\"answer\":\"first\",", "1", "") +
+                             Line("started", "", "2", ""));
+    Start({}, append);
+    EXPECT_EQ(AwaitAnswers(2), (Lines{": first", ": [interrupted: the agent ended while this ran; "
+                                                 "it is not run again] (failed)"}));
+    EXPECT_EQ(Stop().code, 0);
+    EXPECT_EQ(FileLines("ran"), Lines{});
+}
+
+TEST_F(AgentRestartTest, AJournalDoesNotKeepAnswersThatWereTaken) {
+    Queue("t1");
+    Queue("t2");
+    Start({"--output-limit", "3000000"}, "head -c 3000000 /dev/zero | tr '\\0' x");
+    AwaitAnswers(2);
+    EXPECT_EQ(Stop().code, 0);
+    EXPECT_LT(FileText("journal").size(), 10000U);
+    Start({}, append);
+    Queue("t1");
+    EXPECT_EQ(AwaitAnswers(3).back(), "t1: [done before, not run again]");
+    EXPECT_EQ(Stop().code, 0);
+}
+
 TEST_F(AgentRestartTest, AJournalCutAtAnyByteLosesOnlyItsLastLine) {
     const std::string whole = Line("received") + Line("started");
     std::size_t answers = 0;
@@ -82,14 +113,30 @@ TEST_F(AgentRestartTest, AJournalCutAtAnyByteLosesOnlyItsLastLine) {
 }
 
 TEST_F(AgentRestartTest, AnotherFileIsNotTakenForAJournal) {
-    WriteFile("journal", "important text\n");
+    for (const std::string& text :
+         {std::string("important text\n"), std::string("{\"latitude\":57.25}\n"), Line("lost"),
+          Line("ended", "\"answer\":[],"), Line("started", "", "-1")}) {
+        WriteFile("journal", text);
+        Start({}, append);
+        EXPECT_EQ(agent->Finish(),
+                  (Outcome{6, "",
+                           "tavo agent: '" + Path("journal") +
+                               "' is not an agent's journal; name another file with --journal, or "
+                               "remove it\n"}));
+        EXPECT_EQ(FileText("journal"), text);
+    }
+}
+
+TEST_F(AgentRestartTest, WhatIsNoFileIsNotReplaced) {
+    ASSERT_EQ(mkfifo(Path("journal").c_str(), 0600), 0);
+    const int reader = open(Path("journal").c_str(), O_RDWR | O_CLOEXEC);
     Start({}, append);
     EXPECT_EQ(agent->Finish(),
               (Outcome{6, "",
                        "tavo agent: '" + Path("journal") +
-                           "' is not an agent's journal; name another file with --journal, or "
-                           "remove it\n"}));
-    EXPECT_EQ(FileText("journal"), "important text\n");
+                           "' is no file for a journal; name another with --journal\n"}));
+    close(reader);
+    EXPECT_TRUE(std::filesystem::is_fifo(Path("journal")));
 }
 
 TEST_F(AgentRestartTest, TwoAgentsDoNotShareAJournal) {

@@ -2,6 +2,7 @@
 
 #include <TavoRemotingLib/HalcyrREST.h>
 
+#include <cstdint>
 #include <deque>
 #include <json/value.h>
 #include <string>
@@ -13,10 +14,12 @@ namespace Tavo {
 struct Task {
     enum class State { Received, Started, Ended, Answered };
 
+    std::uint64_t number = 0; ///< the journal's, which tells it from any other
     TavoRemotingLib::HalcyrREST::RemoteCommand command;
     State state = State::Received;
     std::string answer;
     bool succeeded = false;
+    bool isRefused = false; ///< the server did not take the answer; not on disk
 };
 
 /// What became of each command, on disk before it is acted upon, so that a restart neither loses a
@@ -38,9 +41,9 @@ public:
     /// and for a command without a tag, which nothing tells from another.
     Task* Find(const TavoRemotingLib::HalcyrREST::RemoteCommand& command);
 
-    /// Adds a task. On disk when it returns.
-    void Add(const Task& task);
-    /// Its new state, its answer too. On disk when it returns.
+    /// Adds a task, and numbers it. On disk when it returns.
+    void Add(Task task);
+    /// Its new state, and its answer if that is still to be sent. On disk when it returns.
     void Note(const Task& task);
 
     /// Drops what is answered and old; the file is written anew when it has grown.
@@ -51,11 +54,11 @@ private:
     void Apply(const Json::Value& line);
     void Append(const std::string& text);
     void Rewrite();
-    void Open(const std::string& name, int flags);
 
     const std::string path;
     int file = -1;
-    std::size_t lines = 0;
+    std::size_t added = 0; ///< bytes since the file was written anew
+    std::uint64_t lastNumber = 0;
     std::deque<Task> tasks;
 };
 
