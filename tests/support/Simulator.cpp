@@ -114,9 +114,13 @@ std::string Simulator::Output() {
     return program.RestOfOutput();
 }
 
-void Simulator::Arm(const std::string& fault) const {
+void Simulator::Arm(const std::string& fault, const std::string& operation, unsigned count) const {
     Json::Value body;
     body["fault"] = fault;
+    body["count"] = count;
+    if (!operation.empty()) {
+        body["operation"] = operation;
+    }
     Post("faults", body);
 }
 

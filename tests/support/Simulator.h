@@ -29,8 +29,8 @@ public:
     /// Waits until it ends of itself, and returns its exit code and what it wrote since it listens.
     int Wait();
     std::string Output();
-    /// Lets the next reply, to any operation, go wrong in this way.
-    void Arm(const std::string& fault) const;
+    /// Lets the next replies, to this operation or any, go wrong in this way.
+    void Arm(const std::string& fault, const std::string& operation = {}, unsigned count = 1) const;
     /// Returns when it holds this many polls; the test's watchdog limits the wait.
     void AwaitHeldPolls(unsigned count) const;
 

@@ -86,6 +86,23 @@ TEST_F(AgentHandlerTest, OneThatHangsIsEndedWithItsChildren) {
     AwaitEndOfGroup();
 }
 
+TEST_F(AgentHandlerTest, OneThatLeftItsGroupIsEndedToo) {
+    Queue("t1");
+    StartWords({"--handler-timeout", "1"},
+               {"python3", "-c",
+                "import os, time; os.setpgid(0, os.getpgid(os.getppid())); time.sleep(1000)"});
+    EXPECT_EQ(AwaitAnswers(1), Lines{"t1: [took longer than 1 s] (failed)"});
+    EXPECT_EQ(Stop().code, 0);
+}
+
+TEST_F(AgentHandlerTest, ALongCommandIsOnStandardInputOnly) {
+    Queue("t1", std::string(100000, 'x'));
+    Queue("t2", std::string(200000, 'x'));
+    Start({}, "echo ${#TAVO_COMMAND}; wc -c", {"TAVO_COMMAND=old"});
+    EXPECT_EQ(AwaitAnswers(2), (Lines{"t1: 100000\n100000\n", "t2: 0\n200000\n"}));
+    EXPECT_EQ(Stop().code, 0);
+}
+
 TEST_F(AgentHandlerTest, AFloodIsCut) {
     Queue("t1");
     Start({"--output-limit", "10"}, "head -c 1000000 /dev/zero | tr '\\0' x; exit 0");

@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <csignal>
+#include <filesystem>
 #include <json/reader.h>
 #include <sstream>
 #include <sys/socket.h>
@@ -20,6 +21,13 @@ protected:
     Outcome Finish() {
         return agent->Finish();
     }
+
+    /// A program that is this shell script.
+    std::string Script(const std::string& text) const {
+        WriteFile("script", "#!/bin/sh\n" + text + "\n");
+        std::filesystem::permissions(Path("script"), std::filesystem::perms::owner_all);
+        return Path("script");
+    }
 };
 
 TEST_F(AgentServiceTest, AShutdownIsPostponedThenCarriedOut) {
@@ -28,6 +36,33 @@ TEST_F(AgentServiceTest, AShutdownIsPostponedThenCarriedOut) {
     EXPECT_EQ(Finish(), (Outcome{0, "off\n", ""}));
     EXPECT_TRUE(Payload()["off"].asBool());
     EXPECT_TRUE(Payload()["shutdown"].isNull());
+}
+
+TEST_F(AgentServiceTest, AShutdownsProgramRunsOnceThoughTheServerRefusesTheEnd) {
+    simulator->ShutDown("P1");
+    simulator->Arm("status-500", "off", 2);
+    Start({"--on-shutdown", Script("echo over >>" + Path("ran"))}, "true");
+    EXPECT_EQ(Finish(), (Outcome{0, "off\n",
+                                 "tavo agent: " + server +
+                                     " refused: HTTP/1.1 500 Internal Server Error; see its "
+                                     "answer with -vv; carrying on\ntavo agent: " +
+                                     server + " is back\n"}));
+    EXPECT_EQ(FileLines("ran"), Lines{"over"});
+    EXPECT_TRUE(Payload()["off"].asBool());
+}
+
+TEST_F(AgentServiceTest, AStoppedAgentLeavesTheShutdownToTheNext) {
+    simulator->ShutDown("P1");
+    Start({"--on-shutdown", Script("echo over >" + Path("ran") + "; exec sleep 1000")}, "true");
+    while (FileText("ran").empty()) {
+    }
+    EXPECT_EQ(Stop(), (Outcome{0, "",
+                               "tavo agent: the shutdown's program failed: [interrupted: the "
+                               "agent was stopped]\n"}));
+    EXPECT_FALSE(Payload()["off"].asBool());
+    Start({}, "true");
+    EXPECT_EQ(Finish(), (Outcome{0, "off\n", ""}));
+    EXPECT_TRUE(Payload()["off"].asBool());
 }
 
 TEST_F(AgentServiceTest, AShutdownsProgramThatFailsIsToldAndDoesNotHoldIt) {
@@ -100,7 +135,7 @@ TEST_F(AgentServiceTest, TheServiceManagerIsTold) {
     ASSERT_LT(name.size(), sizeof address.sun_path);
     name.copy(address.sun_path, name.size());
     ASSERT_EQ(bind(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
-    Start({}, "true", {"NOTIFY_SOCKET=" + name});
+    Start({}, "echo runs >\"$0\"; exec sleep 1000", {"NOTIFY_SOCKET=" + name});
     const auto next = [descriptor] {
         std::string message(100, '\0');
         message.resize(static_cast<std::size_t>(recv(descriptor, message.data(), 100, 0)));
@@ -109,6 +144,14 @@ TEST_F(AgentServiceTest, TheServiceManagerIsTold) {
     EXPECT_EQ(next(), "READY=1");
     EXPECT_EQ(next(), "WATCHDOG=1");
     EXPECT_EQ(next(), "WATCHDOG=1") << "once for every poll";
+    Queue("t1", "wait");
+    while (FileText("ran").empty()) {
+    }
+    std::string before(100, '\0');
+    while (recv(descriptor, before.data(), before.size(), MSG_DONTWAIT) > 0) {
+    }
+    EXPECT_EQ(next(), "WATCHDOG=1");
+    EXPECT_EQ(next(), "WATCHDOG=1") << "while a handler runs";
     agent->Signal(SIGTERM);
     std::string message;
     do {
@@ -134,6 +177,13 @@ TEST_F(AgentServiceTest, BadOptionsAreUsageErrors) {
         EXPECT_EQ(RunTavo(call),
                   (Outcome{2, "", "tavo agent: " + line + "; see 'tavo agent --help'\n"}));
     }
+    server = "h:99999";
+    Start({}, "true");
+    EXPECT_EQ(
+        Finish(),
+        (Outcome{2, "",
+                 "tavo agent: 'h:99999' is not an address: curl_easy_perform returned 3 (URL "
+                 "using bad/illegal format or missing URL); write it as HOST or HOST:PORT\n"}));
     EXPECT_EQ(
         RunTavo({"agent", "--server", server, "--id", "P1"}),
         (Outcome{2, "", "tavo agent: HANDLER is required, behind --; see 'tavo agent --help'\n"}));

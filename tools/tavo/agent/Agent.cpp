@@ -19,61 +19,92 @@ namespace {
 using TavoRemotingLib::HalcyrREST;
 
 constexpr long mostCommands = 100;
+/// A longer text has no room in the environment.
+constexpr std::size_t mostInVariable = 100000;
+/// A server that answers at once with nothing new is asked no more often than this.
+constexpr std::chrono::milliseconds leastPoll(250);
+
+long Longer(long seconds, long most) {
+    return std::min(std::max(1L, seconds * 2), most);
+}
 
 } // namespace
 
 Agent::Agent(Session& theSession, const AgentOptions& theOptions)
     : session(theSession), options(theOptions), client(session.Client()), ids(session.Ids()),
-      journal(options.journal) {}
+      signals(std::chrono::seconds(options.pollSeconds + 1)), journal(options.journal) {}
 
 void Agent::Run() {
     NotifyManager("READY=1");
-    while (!signals.StopRequested() && !shutDown) {
+    while (!signals.StopRequested() && !isOff) {
         NotifyManager("WATCHDOG=1");
         HandleAll();
-        try {
-            AnswerAll();
-            if (!signals.StopRequested() && PollOnce()) {
-                Well();
-            }
-        } catch (const LocalError&) {
-            throw;
-        } catch (const std::exception& error) {
-            Away(error);
+        AnswerAll();
+        if (!signals.StopRequested()) {
+            Step();
         }
         journal.Forget();
     }
     NotifyManager("STOPPING=1");
 }
 
-bool Agent::PollOnce() {
+void Agent::Step() {
+    try {
+        if (isPrepared) {
+            ShutDown();
+        } else {
+            PollOnce();
+        }
+        Well();
+    } catch (const LocalError&) {
+        throw;
+    } catch (const std::exception& error) {
+        if (FailureOf(error, session.options.server).code == ExitCode::Usage) {
+            throw;
+        }
+        Away(error);
+    }
+}
+
+void Agent::PollOnce() {
+    const auto earliestEnd = Clock::now() + leastPoll;
     std::vector<HalcyrREST::RemoteCommand> commands;
     HalcyrREST::GPSInfo position;
     HalcyrREST::ShutdownInfo shutdown;
     try {
         client.Poll(ids, &commands, options.positionFile ? &position : nullptr, &shutdown,
-                    options.pollSeconds * 1000, mostCommands);
-    } catch (const HalcyrREST::ServerTimeoutOnRequest&) {
-        return true;
+                    PollMilliseconds(), mostCommands);
+    } catch (const HalcyrREST::ServerTimeoutOnRequest&) { // NOLINT(bugprone-empty-catch)
+        // There is nothing new.
     } catch (const std::exception&) {
         // The server will not send again the commands before a malformed one.
         Receive(commands);
         throw;
     }
-    Receive(commands);
+    const bool isNew = Receive(commands);
     if (position.received) {
         WritePosition(position);
     }
     if (shutdown.requested) {
-        HandleAll();
         ShutDown();
+    } else if (!isNew) {
+        signals.Pause(std::chrono::ceil<std::chrono::milliseconds>(earliestEnd - Clock::now()));
     }
-    return true;
 }
 
-void Agent::Receive(const std::vector<HalcyrREST::RemoteCommand>& commands) {
+/// Shorter when an answer is to be tried again before.
+long Agent::PollMilliseconds() const {
+    using std::chrono::milliseconds;
+    const milliseconds most(options.pollSeconds * 1000);
+    const auto untilAnswer = std::chrono::ceil<milliseconds>(nextAnswer - Clock::now());
+    return (answerSeconds == 0 ? most : std::clamp(untilAnswer, leastPoll, most)).count();
+}
+
+bool Agent::Receive(const std::vector<HalcyrREST::RemoteCommand>& commands) {
+    bool isNew = false;
     for (const HalcyrREST::RemoteCommand& command : commands) {
         const Task* const known = journal.Find(command);
+        isNew = isNew || known == nullptr;
         if (known != nullptr && known->state != Task::State::Answered) {
             continue; // it is on its way
         }
@@ -87,20 +118,14 @@ void Agent::Receive(const std::vector<HalcyrREST::RemoteCommand>& commands) {
         }
         journal.Add(task);
     }
+    return isNew;
 }
 
 void Agent::HandleAll() {
     for (Task& task : journal.Tasks()) {
-        if (task.state != Task::State::Received || signals.StopRequested()) {
-            continue;
-        }
-        Handle(task);
-        try {
+        if (task.state == Task::State::Received && !signals.StopRequested()) {
+            Handle(task);
             AnswerAll();
-        } catch (const LocalError&) {
-            throw;
-        } catch (const std::exception&) { // NOLINT(bugprone-empty-catch)
-            // It is on disk, and sent before the next poll.
         }
     }
 }
@@ -111,13 +136,17 @@ void Agent::Handle(Task& task) {
     journal.Note(task);
     HandlerCall call;
     call.words = options.handler;
-    call.environment = {{"TAVO_ID", command.id},
-                        {"TAVO_TAG", command.tag},
-                        {"TAVO_KIND", command.isFile ? "file" : "plain"},
-                        {"TAVO_COMMAND", command.command}};
+    call.environment = {
+        {"TAVO_ID", command.id},
+        {"TAVO_TAG", command.tag},
+        {"TAVO_KIND", command.isFile ? "file" : "plain"},
+        {"TAVO_COMMAND", command.command.size() <= mostInVariable ? command.command : ""}};
     call.input = command.command;
     call.longest = std::chrono::seconds(options.handlerTimeout);
     call.mostOutput = static_cast<std::size_t>(options.outputLimit);
+    call.alive = [this] {
+        KeepAlive();
+    };
     call.between = std::chrono::seconds(options.progressEvery);
     call.progress = [&](const std::string& output) {
         NotifyManager("WATCHDOG=1");
@@ -136,6 +165,49 @@ void Agent::Handle(Task& task) {
     Tell(task, result.succeeded ? "succeeded" : "failed");
 }
 
+void Agent::AnswerAll() {
+    const bool isTime = Clock::now() >= nextAnswer;
+    bool isTaken = true;
+    for (Task& task : journal.Tasks()) {
+        // A stopping agent leaves its answers to the next one: the server may be slow.
+        if (task.state == Task::State::Ended && !signals.StopRequested() &&
+            (isTime || !task.isRefused)) {
+            const ExitCode code = Answer(task);
+            isTaken = isTaken && code == ExitCode::Done;
+            if (code == ExitCode::NoConnection || code == ExitCode::TimedOut) {
+                break; // the others would fare no better
+            }
+        }
+    }
+    if (!isTaken) {
+        answerSeconds = Longer(answerSeconds, options.retryMost);
+        nextAnswer = Clock::now() + std::chrono::seconds(answerSeconds);
+    } else if (isTime) {
+        answerSeconds = 0;
+    }
+}
+
+ExitCode Agent::Answer(Task& task) {
+    NotifyManager("WATCHDOG=1");
+    try {
+        client.RespondToCommand(HalcyrREST::EncodeURL(task.command.id), task.command.tag,
+                                task.answer, true, task.succeeded);
+    } catch (const std::exception& error) {
+        const Failure failure = FailureOf(error, session.options.server);
+        // Of a server that is away, the poll tells.
+        if (!task.isRefused && failure.code != ExitCode::NoConnection) {
+            Warn("the answer to '" + task.command.tag + "' is kept: " + failure.Line());
+        }
+        task.isRefused = true;
+        return failure.code;
+    }
+    task.state = Task::State::Answered;
+    journal.Note(task);
+    task.answer.clear();
+    task.answer.shrink_to_fit();
+    return ExitCode::Done;
+}
+
 HandlerResult Agent::RunOrFail(const HandlerCall& call) const {
     try {
         return RunHandler(call, signals);
@@ -147,76 +219,25 @@ HandlerResult Agent::RunOrFail(const HandlerCall& call) const {
     }
 }
 
-void Agent::AnswerAll() {
-    for (Task& task : journal.Tasks()) {
-        // A stopping agent leaves its answers to the next one: the server may be slow.
-        if (task.state != Task::State::Ended || signals.StopRequested()) {
-            continue;
-        }
-        NotifyManager("WATCHDOG=1");
-        client.RespondToCommand(HalcyrREST::EncodeURL(task.command.id), task.command.tag,
-                                task.answer, true, task.succeeded);
-        task.state = Task::State::Answered;
-        journal.Note(task);
-    }
-}
-
-void Agent::Postpone() {
-    for (const std::string& id : ids) {
-        try {
-            client.DelayShutdown(id, options.postpone);
-        } catch (const std::exception& error) {
-            Warn("not postponed: " + FailureOf(error, session.options.server).Line());
-        }
-    }
-}
-
-void Agent::ShutDown() {
-    if (options.onShutdown) {
-        HandlerCall call;
-        call.words = {*options.onShutdown};
-        call.environment = {{"TAVO_ID", ids.front()}};
-        call.longest = std::chrono::seconds(options.handlerTimeout);
-        call.mostOutput = static_cast<std::size_t>(options.outputLimit);
-        if (options.postpone > 0) {
-            Postpone();
-            call.between = std::chrono::milliseconds(options.postpone * 500);
-            call.progress = [this](const std::string&) {
-                NotifyManager("WATCHDOG=1");
-                Postpone();
-            };
-        }
-        const HandlerResult result = RunOrFail(call);
-        if (!result.succeeded) {
-            Warn("the shutdown's program failed: " + result.output);
-        }
-    }
-    AnswerAll();
-    for (const std::string& id : ids) {
-        client.TurnPayloadOff(id);
-    }
-    shutDown = true;
-    Json::Value line;
-    line["event"] = "off";
-    session.output.Result("off\n", line);
-}
-
-void Agent::WritePosition(const HalcyrREST::GPSInfo& position) const {
+void Agent::WritePosition(const HalcyrREST::GPSInfo& position) {
     const std::string unfinished = *options.positionFile + ".new";
     std::ofstream file(unfinished);
     file << JsonLine(JsonOf(position)) << '\n';
     file.close();
     // Whoever reads it never sees it half written.
-    if (!file || std::rename(unfinished.c_str(), options.positionFile->c_str()) != 0) {
+    const bool isWritten =
+        file && std::rename(unfinished.c_str(), options.positionFile->c_str()) == 0;
+    if (!isWritten && isPositionWritten) {
         Warn("the position cannot be written to '" + *options.positionFile + "'");
     }
+    isPositionWritten = isWritten;
 }
 
 void Agent::Away(const std::exception& error) {
     if (retrySeconds == 0) {
         Warn(FailureOf(error, session.options.server).Line() + "; carrying on");
     }
-    retrySeconds = std::min(std::max(1L, retrySeconds * 2), options.retryMost);
+    retrySeconds = Longer(retrySeconds, options.retryMost);
     signals.Pause(std::chrono::seconds(retrySeconds));
 }
 

@@ -3,8 +3,10 @@
 #include "agent/Handler.h"
 #include "agent/Journal.h"
 #include "agent/Signals.h"
+#include "core/ExitCode.h"
 #include "core/Session.h"
 
+#include <chrono>
 #include <optional>
 #include <string>
 #include <vector>
@@ -31,21 +33,31 @@ public:
     Agent(Session& session, const AgentOptions& options);
 
     /// Returns after SIGTERM, SIGINT or a shutdown. Throws LocalError when the journal cannot be
-    /// written, since a command could then be run twice, and UsageError as Session does.
+    /// written, since a command could then be run twice, and what tells of a bad server address.
     void Run();
 
 private:
-    /// True when something came of it.
-    bool PollOnce();
-    void Receive(const std::vector<TavoRemotingLib::HalcyrREST::RemoteCommand>& commands);
+    using Clock = std::chrono::steady_clock;
+
+    /// Polls, or does what is left of a shutdown.
+    void Step();
+    void PollOnce();
+    long PollMilliseconds() const;
+    /// True when one of them is new.
+    bool Receive(const std::vector<TavoRemotingLib::HalcyrREST::RemoteCommand>& commands);
     void HandleAll();
     void Handle(Task& task);
-    /// Sends the answers that the server has not taken yet. Throws what the client throws.
+    /// Sends the answers that the server has not taken yet. One that it does not take holds up
+    /// neither the others nor a poll.
     void AnswerAll();
+    /// Done when the server took it.
+    ExitCode Answer(Task& task);
     void ShutDown();
-    void Postpone();
+    void RunOnShutdown();
+    /// While a program runs: tells the service manager, and postpones a shutdown when it is time.
+    void KeepAlive();
     HandlerResult RunOrFail(const HandlerCall& call) const;
-    void WritePosition(const TavoRemotingLib::HalcyrREST::GPSInfo& position) const;
+    void WritePosition(const TavoRemotingLib::HalcyrREST::GPSInfo& position);
     /// Tells of a failure of the server, once until it is well again, and waits.
     void Away(const std::exception& error);
     void Well();
@@ -58,8 +70,14 @@ private:
     std::vector<std::string> ids;
     const Signals signals;
     Journal journal;
-    long retrySeconds = 0; ///< 0 while all is well
-    bool shutDown = false;
+    long retrySeconds = 0;  ///< 0 while all is well
+    long answerSeconds = 0; ///< likewise for answers
+    Clock::time_point nextAnswer;
+    Clock::time_point nextPostponement;
+    bool isToShutDown = false;
+    bool isPrepared = false; ///< for being off
+    bool isOff = false;
+    bool isPositionWritten = true;
 };
 
 } // namespace Tavo

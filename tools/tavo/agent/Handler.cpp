@@ -24,6 +24,7 @@ using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 
 constexpr milliseconds grace(1000);
+constexpr milliseconds longestWait(500);
 
 class Descriptor {
 public:
@@ -97,7 +98,7 @@ std::vector<char*> Pointers(std::vector<std::string>& texts) {
 /// A program that runs, and the pipe from it.
 class Running {
 public:
-    explicit Running(const HandlerCall& call) {
+    Running(const HandlerCall& call, const Signals& theSignals) : signals(theSignals) {
         std::array<int, 2> ends{};
         if (pipe2(ends.data(), O_CLOEXEC) != 0) {
             throw FileError("make", "a pipe", errno);
@@ -107,6 +108,7 @@ public:
         fcntl(output.number, F_SETFL, O_NONBLOCK);
         const Descriptor input(InputFile(call.input));
         Spawn(call, input.number, writing.number);
+        signals.Tell(id);
     }
 
     Running(const Running&) = delete;
@@ -118,10 +120,14 @@ public:
             waitpid(id, nullptr, 0);
         }
         Signal(SIGKILL); // whatever it left behind
+        signals.Tell(0);
     }
 
     void Signal(int number) const {
         kill(-id, number);
+        if (!status) {
+            kill(id, number); // it may have gone over to another group
+        }
     }
 
     /// Its status once it has ended.
@@ -184,6 +190,7 @@ private:
         }
     }
 
+    const Signals& signals;
     pid_t id = -1;
     Descriptor output{-1};
     std::optional<int> status;
@@ -206,7 +213,7 @@ void AddLine(std::string& text, const std::string& line) {
 
 HandlerResult RunHandler(const HandlerCall& call, const Signals& signals) {
     HandlerResult result;
-    Running program(call);
+    Running program(call, signals);
     const auto begin = Clock::now();
     std::optional<Clock::time_point> ending;
     auto nextProgress = begin + call.between;
@@ -224,7 +231,9 @@ HandlerResult RunHandler(const HandlerCall& call, const Signals& signals) {
             ending = now + grace;
         } else if (ending && now >= *ending) {
             program.Signal(SIGKILL);
+            ending = now + grace;
         }
+        call.alive();
         if (call.between.count() > 0 && !ending && now >= nextProgress) {
             given += result.output.size();
             call.progress(result.output);
@@ -233,7 +242,8 @@ HandlerResult RunHandler(const HandlerCall& call, const Signals& signals) {
         }
         auto next = ending ? *ending : begin + call.longest;
         next = call.between.count() > 0 && !ending ? std::min(next, nextProgress) : next;
-        signals.Wait(program.Output(), std::chrono::ceil<milliseconds>(next - Clock::now()));
+        const auto wait = std::chrono::ceil<milliseconds>(next - Clock::now());
+        signals.Wait(program.Output(), std::min(wait, longestWait));
         dropped += program.Read(result.output, call.mostOutput - std::min(given, call.mostOutput));
     }
     dropped += program.Read(result.output, call.mostOutput - std::min(given, call.mostOutput));

@@ -18,15 +18,23 @@ namespace {
 
 // What a signal's action can reach.
 std::atomic<bool> stopRequested{false};
+std::atomic<pid_t> runningGroup{0};
 std::array<int, 2> notices{-1, -1};
+unsigned longestStop = 0;
 
-constexpr std::array<int, 3> signalNumbers{SIGTERM, SIGINT, SIGCHLD};
-std::array<struct sigaction, 3> former{};
+constexpr std::array<int, 4> signalNumbers{SIGTERM, SIGINT, SIGCHLD, SIGALRM};
+std::array<struct sigaction, 4> former{};
 
 extern "C" void TakeNote(int number) {
     const int error = errno;
-    if (number != SIGCHLD) {
-        stopRequested = true;
+    if (number == SIGALRM) {
+        if (runningGroup != 0) {
+            kill(-runningGroup, SIGKILL);
+        }
+        _exit(0); // the journal is good at any moment
+    }
+    if (number != SIGCHLD && !stopRequested.exchange(true)) {
+        alarm(longestStop);
     }
     // A full pipe has notices enough.
     [[maybe_unused]] const ssize_t written = write(notices[1], "", 1);
@@ -41,11 +49,12 @@ void EmptyPipe() {
 
 } // namespace
 
-Signals::Signals() {
+Signals::Signals(std::chrono::seconds theLongestStop) {
     if (pipe2(notices.data(), O_CLOEXEC | O_NONBLOCK) != 0) {
         throw FileError("make", "a pipe", errno);
     }
     stopRequested = false;
+    longestStop = static_cast<unsigned>(theLongestStop.count());
     struct sigaction action {};
     action.sa_handler = TakeNote;
     action.sa_flags = SA_RESTART;
@@ -55,6 +64,7 @@ Signals::Signals() {
 }
 
 Signals::~Signals() {
+    alarm(0);
     for (std::size_t i = 0; i < signalNumbers.size(); ++i) {
         sigaction(signalNumbers[i], &former[i], nullptr);
     }
@@ -64,6 +74,10 @@ Signals::~Signals() {
 
 bool Signals::StopRequested() const {
     return stopRequested;
+}
+
+void Signals::Tell(pid_t group) const {
+    runningGroup = group;
 }
 
 void Signals::Wait(int descriptor, std::chrono::milliseconds longest) const {
