@@ -69,9 +69,10 @@ int InputFile(const std::string& text) {
 std::vector<std::string>
 Environment(const std::vector<std::pair<std::string, std::string>>& additions) {
     std::vector<std::string> all;
+    all.reserve(additions.size());
     for (const auto& [name, value] : additions) {
         // A value ends at its first zero byte, as every text of the environment does.
-        all.push_back(name + "=" + value.c_str());
+        all.push_back(name + "=" + value.substr(0, value.find('\0')));
     }
     for (char** entry = environ; *entry != nullptr; ++entry) {
         const std::string name(*entry, std::strcspn(*entry, "="));
@@ -88,6 +89,7 @@ Environment(const std::vector<std::pair<std::string, std::string>>& additions) {
 
 std::vector<char*> Pointers(std::vector<std::string>& texts) {
     std::vector<char*> pointers;
+    pointers.reserve(texts.size() + 1);
     for (std::string& text : texts) {
         pointers.push_back(text.data());
     }
