@@ -5,6 +5,8 @@
 #include <MirrinFramework/TempFile.h>
 #include <TavoRemotingLib/HalcyrREST.h>
 
+#include <json/reader.h>
+
 namespace Brenmoor {
 namespace TavoRemotingLib {
 namespace Fuzzing {
@@ -21,6 +23,12 @@ public:
     }
     using TempFile::GetName;
 };
+
+Json::Value Parsed(const std::string& document) {
+    Json::Value value;
+    Require(Json::Reader().parse(document, value), "what is written is JSON");
+    return value;
+}
 
 void RequireSame(const HalcyrREST::PayloadRegistration& got,
                  const HalcyrREST::PayloadRegistration& expected) {
@@ -48,8 +56,9 @@ void Try(const std::string& input) {
     }
     const HalcyrREST::PayloadRegistration again(written.GetName());
     RequireSame(again, record);
-    Require(again.ToJSON(written.GetName()) == document,
-            "a document that was written stays as it is");
+    // Not as a text: names that were no UTF-8 are written as other names, which sort otherwise.
+    Require(Parsed(again.ToJSON(written.GetName())) == Parsed(document),
+            "a document that was written says the same when it is written again");
 }
 
 } // namespace Fuzzing
