@@ -10,6 +10,7 @@
 #include <fstream>
 #include <iostream>
 #include <sys/resource.h>
+#include <unistd.h>
 
 namespace {
 
@@ -71,14 +72,13 @@ bool Play(Player& player, const EndingSignals& signals) {
     }
 }
 
-ExitCode Tell(const Player::Report& report, bool ended) {
+ExitCode Tell(const Player::Report& report, bool ended, LineOutput& output) {
     for (const std::string& line : report.lines) {
-        std::cout << line << '\n';
+        output.Write(line);
     }
     if (!ended) {
-        std::cout << "scenario: ended by a signal\n";
+        output.Write("scenario: ended by a signal");
     }
-    std::cout << std::flush;
     return report.met && ended ? ExitCode::Success : ExitCode::ScenarioNotMet;
 }
 
@@ -109,21 +109,21 @@ ExitCode Serve(const Options& options) {
         player.emplace(*options.scenario, world);
         player->PlayDue(); // what is to be there when the first payload comes
     }
+    LineOutput output(STDOUT_FILENO);
     std::optional<Server> server;
-    server.emplace(world, options.address, options.port, options.quiet ? nullptr : &std::cout);
+    server.emplace(world, options.address, options.port, options.quiet ? nullptr : &output);
     if (!options.portFile.empty()) {
         WritePortFile(options.portFile, server->Port());
     }
-    const std::string line = "tavo-simulator " TAVO_VERSION " listens on " + options.address +
-                             " port " + std::to_string(server->Port()) + " and keeps uploads in " +
-                             world.files.Folder().string() + "\n";
-    std::cout << line << std::flush;
+    output.Write("tavo-simulator " TAVO_VERSION " listens on " + options.address + " port " +
+                 std::to_string(server->Port()) + " and keeps uploads in " +
+                 world.files.Folder().string());
     ExitCode code = ExitCode::Success;
     if (player) {
         const bool ended = Play(*player, signals);
         const Player::Report report = player->Conclude();
         server.reset();
-        code = Tell(report, ended);
+        code = Tell(report, ended, output);
     } else {
         signals.Await();
         server.reset();

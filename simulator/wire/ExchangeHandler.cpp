@@ -226,7 +226,7 @@ void Steer(World& world, HTTPServerRequest& in, HTTPServerResponse& response) {
 
 } // namespace
 
-ExchangeDesk::ExchangeDesk(World& theWorld, std::ostream* theLines)
+ExchangeDesk::ExchangeDesk(World& theWorld, LineOutput* theLines)
     : world(theWorld), lines(theLines) {}
 
 World& ExchangeDesk::GetWorld() {
@@ -238,9 +238,7 @@ void ExchangeDesk::Print(std::uint64_t number) {
     if (lines == nullptr || !entry) {
         return;
     }
-    const std::string line = LineText(*entry, TimeText(world.clock.UnixSeconds(entry->seconds)));
-    const std::lock_guard<std::mutex> lock(mutex);
-    *lines << line + "\n" << std::flush;
+    lines->Write(LineText(*entry, TimeText(world.clock.UnixSeconds(entry->seconds))));
 }
 
 void ExchangeDesk::NoteGarbage(const std::string& peer,

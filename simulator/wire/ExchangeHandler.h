@@ -1,5 +1,6 @@
 #pragma once
 
+#include "LineOutput.h"
 #include "model/World.h"
 
 #include <Poco/Net/HTTPRequestHandler.h>
@@ -7,7 +8,6 @@
 #include <chrono>
 #include <condition_variable>
 #include <mutex>
-#include <ostream>
 
 namespace Brenmoor {
 namespace TavoSimulator {
@@ -17,7 +17,7 @@ namespace TavoSimulator {
 class ExchangeDesk {
 public:
     /// `lines` may be null.
-    ExchangeDesk(World& world, std::ostream* lines);
+    ExchangeDesk(World& world, LineOutput* lines);
 
     World& GetWorld();
     /// Writes the line of an exchange that has ended.
@@ -31,7 +31,7 @@ public:
 
 private:
     World& world;
-    std::ostream* const lines;
+    LineOutput* const lines;
     std::mutex mutex;
     std::condition_variable ended;
     int underWay = 0;

@@ -40,7 +40,7 @@ Poco::Net::HTTPServerParams::Ptr Parameters() {
 class Server::Implementation {
 public:
     Implementation(World& theWorld, const std::string& address, std::uint16_t port,
-                   std::ostream* lines)
+                   LineOutput* lines)
         : world(theWorld), desk(world, lines), socket(ListenRecorded(Manner(address, port))),
           threads(2, mostConnections),
           server(new ExchangeHandlerFactory(desk), threads, socket, Parameters()) {
@@ -91,7 +91,7 @@ private:
     Poco::Net::HTTPServer server;
 };
 
-Server::Server(World& world, const std::string& address, std::uint16_t port, std::ostream* lines)
+Server::Server(World& world, const std::string& address, std::uint16_t port, LineOutput* lines)
     : implementation(std::make_unique<Implementation>(world, address, port, lines)) {}
 
 Server::~Server() = default;

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "LineOutput.h"
 #include "model/World.h"
 
 #include <cstdint>
 #include <memory>
-#include <ostream>
 #include <string>
 
 namespace Brenmoor {
@@ -16,7 +16,7 @@ class Server {
 public:
     /// Port 0 takes any free one. Every exchange is written to `lines`, if it is not null, as one
     /// line. Throws Poco::Exception when the address cannot be listened on.
-    Server(World& world, const std::string& address, std::uint16_t port, std::ostream* lines);
+    Server(World& world, const std::string& address, std::uint16_t port, LineOutput* lines);
     Server(const Server&) = delete;
     Server& operator=(const Server&) = delete;
     /// Ends held polls with "503 Service Unavailable" and every other exchange by hanging up.
