@@ -1,5 +1,6 @@
 #include "Scrutiny.h"
 #include "wire/EscapedText.h"
+#include "wire/Exchange.h"
 
 #include <Poco/Exception.h>
 #include <Poco/URI.h>
@@ -83,26 +84,6 @@ const Grammar* FindGrammar(const std::string& operation) {
     return found == grammars.end() ? nullptr : &*found;
 }
 
-/// A parameter as it came.
-struct Parameter {
-    std::string name;
-    std::string value;
-    bool hasValue = false;
-};
-
-std::vector<Parameter> Split(const std::string& query) {
-    std::vector<Parameter> parameters;
-    for (std::size_t begin = 0; begin <= query.size();) {
-        const std::size_t end = std::min(query.find('&', begin), query.size());
-        const std::string text = query.substr(begin, end - begin);
-        const std::size_t sign = std::min(text.find('='), text.size());
-        parameters.push_back({text.substr(0, sign), text.substr(std::min(sign + 1, text.size())),
-                              sign < text.size()});
-        begin = end + 1;
-    }
-    return parameters;
-}
-
 /// A parameter's name for a flag, whatever it is.
 std::string Named(const std::string& name) {
     constexpr std::size_t most = 40;
@@ -171,7 +152,7 @@ bool IsSent(const Rule& rule, const std::string& value) {
     return true;
 }
 
-std::string ValueFault(const Rule& rule, const Parameter& parameter) {
+std::string ValueFault(const Rule& rule, const QueryPart& parameter) {
     if (!parameter.hasValue) {
         return "has no value";
     }
@@ -187,7 +168,7 @@ class Watch {
 public:
     explicit Watch(std::vector<Rule> theRules) : rules(std::move(theRules)), seen(rules.size()) {}
 
-    void See(const Parameter& parameter) {
+    void See(const QueryPart& parameter) {
         const auto rule = std::find_if(rules.begin(), rules.end(),
                                        [&](const Rule& one) { return one.name == parameter.name; });
         if (rule == rules.end()) {
@@ -227,9 +208,9 @@ private:
 } // namespace
 
 std::vector<std::string> QueryFlags(const std::string& method, const std::string& query) {
-    const std::vector<Parameter> parameters = Split(query);
+    const std::vector<QueryPart> parameters = SplitQuery(query);
     const auto op = std::find_if(parameters.begin(), parameters.end(),
-                                 [](const Parameter& one) { return one.name == "op"; });
+                                 [](const QueryPart& one) { return one.name == "op"; });
     if (op == parameters.end()) {
         return {"parameter 'op' is missing"};
     }
@@ -240,7 +221,7 @@ std::vector<std::string> QueryFlags(const std::string& method, const std::string
     std::vector<Rule> rules = {{"op", Times::Once, Value::Filled}};
     rules.insert(rules.end(), grammar->rules.begin(), grammar->rules.end());
     Watch watch(std::move(rules));
-    for (const Parameter& parameter : parameters) {
+    for (const QueryPart& parameter : parameters) {
         watch.See(parameter);
     }
     std::vector<std::string> flags = watch.End();

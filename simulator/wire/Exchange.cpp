@@ -4,10 +4,36 @@
 #include <Poco/Exception.h>
 #include <Poco/String.h>
 #include <Poco/URI.h>
+#include <algorithm>
 #include <charconv>
 
 namespace Brenmoor {
 namespace TavoSimulator {
+
+namespace {
+
+std::string Decoded(const std::string& text) {
+    std::string decoded;
+    Poco::URI::decode(text, decoded);
+    return decoded;
+}
+
+/// The client does not escape it, but those who use the client may have done so themselves.
+std::string IdOfReply(const std::string& text) {
+    try {
+        return Decoded(text);
+    } catch (const Poco::Exception&) {
+        return text;
+    }
+}
+
+bool IsOfReply(const std::vector<QueryPart>& parts) {
+    const auto op = std::find_if(parts.begin(), parts.end(),
+                                 [](const QueryPart& part) { return part.name == "op"; });
+    return op != parts.end() && op->value == "reply";
+}
+
+} // namespace
 
 Reply Ok() {
     Reply reply;
@@ -15,12 +41,31 @@ Reply Ok() {
     return reply;
 }
 
+std::vector<QueryPart> SplitQuery(const std::string& query) {
+    std::vector<QueryPart> parts;
+    for (std::size_t begin = 0; begin <= query.size();) {
+        const std::size_t end = std::min(query.find('&', begin), query.size());
+        const std::string text = query.substr(begin, end - begin);
+        const std::size_t sign = std::min(text.find('='), text.size());
+        parts.push_back({text.substr(0, sign), text.substr(std::min(sign + 1, text.size())),
+                         sign < text.size()});
+        begin = end + 1;
+    }
+    return parts;
+}
+
 Request::Request(std::string theMethod, std::string theTarget, std::istream& theBody)
     : method(std::move(theMethod)), target(std::move(theTarget)), body(theBody) {
     try {
         const Poco::URI uri(target);
         path = uri.getPath();
-        parameters = uri.getQueryParameters();
+        const std::vector<QueryPart> parts = SplitQuery(uri.getRawQuery());
+        const bool isReply = IsOfReply(parts);
+        for (const QueryPart& part : parts) {
+            parameters.emplace_back(Decoded(part.name), isReply && part.name == "id"
+                                                            ? IdOfReply(part.value)
+                                                            : Decoded(part.value));
+        }
     } catch (const Poco::Exception&) {
         throw BadRequest("The request target has a broken escape");
     }

@@ -33,10 +33,20 @@ struct Reply {
 /// The answer "200 OK" with the body "OK".
 Reply Ok();
 
+/// What stands between two "&" of a query, split at its first "=" and still escaped.
+struct QueryPart {
+    std::string name;
+    std::string value;
+    bool hasValue = false;
+};
+
+std::vector<QueryPart> SplitQuery(const std::string& query);
+
 /// One request, taken apart. Used by the thread that serves it.
 class Request {
 public:
-    /// Splits the target into path and decoded query parameters.
+    /// Splits the target into path and decoded query parameters. A plus sign stands for itself, and
+    /// so does the percent sign of a broken escape in the identifier of a reply.
     /// Throws a Refusal for an escape that is cut short or not hexadecimal.
     Request(std::string method, std::string target, std::istream& body);
 

@@ -133,6 +133,27 @@ std::string Commands(std::uint16_t port) {
     return text;
 }
 
+TEST_F(Uploads, ARegistrationDocumentHasASize) {
+    const std::string document = "\"a\":\"" + std::string(256 * 1024 - 7, 'x') + "\"";
+    EXPECT_EQ(Upload("/xp?op=meta&id=p1", document + '\0', "t"), okReply);
+    EXPECT_EQ(Upload("/xp?op=meta&id=p2", document + ' ' + '\0', "t"),
+              ReplyText("413 Request Entity Too Large", "text/plain",
+                        "Form part is larger than 262144 bytes\n"));
+    EXPECT_EQ(State(server.Port())["payloads"].size(), 1U);
+}
+
+TEST_F(Uploads, TheIdentifierOfAReplyMayBeUnescaped) {
+    for (const char* const id : {"a+5%", "a%2B5%25"}) {
+        Post("/sim/v1/commands", R"({"id":"a+5%","tag":"t+1","command":"c"})");
+        Get("/xp?op=poll&id=a%2B5%25&format=2&timeout=0");
+        EXPECT_EQ(Upload(std::string("/xp?op=reply&id=") + id + "&tag=t%2B1",
+                         std::string("done\0", 5), "f"),
+                  okReply);
+    }
+    EXPECT_EQ(Commands(server.Port()), "1 answered true\n3 answered true\n");
+    EXPECT_EQ(world.traffic.Entries()[1].ids, std::vector<std::string>{"a+5%"});
+}
+
 TEST_F(Uploads, RepliesAreRecordedAndSettleTheirCommand) {
     Post("/sim/v1/commands", R"({"id":"p1","tag":"t","command":"c"})");
     Get("/xp?op=poll&id=p1&format=2&timeout=0");
