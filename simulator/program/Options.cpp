@@ -26,6 +26,11 @@ std::string CheckAddress(const std::string& text) {
     return Poco::Net::IPAddress::tryParse(text, address) ? "" : "not an IP address: " + text;
 }
 
+/// Else an empty text were 0, a negative whole number a great one, and "nan" in any range.
+std::string CheckNumber(const std::string& text) {
+    return text.find_first_of(".0123456789") == 0 ? "" : "not a number from 0 on: '" + text + "'";
+}
+
 std::string FaultList() {
     std::size_t width = 0;
     for (const Fault& fault : FaultCatalogue()) {
@@ -152,6 +157,10 @@ void Describe(CLI::App& app, Options& options, FileNames& files) {
         ->type_name("BYTES")
         ->capture_default_str();
     DescribeFiles(app, options, files);
+    for (const char* const name : {"--port", "--speed", "--start", "--seed", "--redeliver",
+                                   "--max-payloads", "--max-upload", "--script-timeout"}) {
+        app.get_option(name)->check(CheckNumber);
+    }
     app.add_flag("--quiet", options.quiet, "Do not print a line for every exchange");
     app.add_flag_callback(
         "--headless", [&settings] { settings.page = false; }, "Do not serve the page");
