@@ -4,6 +4,7 @@
 #include "operations/Poll.h"
 #include "wire/Json.h"
 
+#include <memory>
 #include <thread>
 
 namespace Brenmoor {
@@ -40,6 +41,29 @@ Json::Value ScriptsJson(const World& world) {
 void SendEvent(std::ostream& out, const char* name, const Json::Value& data) {
     out << "event: " << name << "\ndata: " << JsonLine(data) << "\n\n";
 }
+
+/// Counts one who listens, while it is there.
+class Listener {
+public:
+    explicit Listener(std::atomic<int>& theCount) : count(theCount) {
+        // Since each occupies a thread.
+        constexpr int most = 32;
+        if (++count > most) {
+            --count;
+            throw Refusal(503, "Service Unavailable",
+                          "There are " + std::to_string(most) +
+                              " who listen already, which is the most");
+        }
+    }
+    Listener(const Listener&) = delete;
+    Listener& operator=(const Listener&) = delete;
+    ~Listener() {
+        --count;
+    }
+
+private:
+    std::atomic<int>& count;
+};
 
 void SendEvents(World& world, std::ostream& out) {
     std::uint64_t trafficSeen = 0;
@@ -129,9 +153,10 @@ Reply ShowFaults(World& world, const Request&) {
 }
 
 Reply StreamEvents(World& world, const Request&) {
+    const auto listener = std::make_shared<Listener>(world.listeners);
     Reply reply;
     reply.type = "text/event-stream";
-    reply.stream = [&world](std::ostream& out) {
+    reply.stream = [&world, listener](std::ostream& out) {
         SendEvents(world, out);
     };
     return reply;

@@ -1,6 +1,7 @@
 #include "Steering.h"
 #include "State.h"
 #include "operations/Operations.h"
+#include "operations/Orders.h"
 #include "operations/Poll.h"
 #include "wire/Json.h"
 
@@ -120,14 +121,7 @@ Reply SetSwitch(World& world, const Request& request) {
     const std::string id = members.Filled("id");
     const bool on = members.Flag("on");
     const std::string name = members.Has("name") ? members.Filled("name") : "";
-    world.payloads.Change(id, [&](Payload& payload) {
-        if (name.empty()) {
-            payload.mainSwitch = on;
-            payload.off = payload.off && !on;
-        } else {
-            payload.switches[name] = on;
-        }
-    });
+    world.payloads.Change(id, [&](Payload& payload) { TurnSwitch(payload, name, on); });
     return Done();
 }
 

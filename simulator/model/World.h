@@ -11,6 +11,7 @@
 #include "Vehicle.h"
 #include "faults/FaultPlan.h"
 
+#include <atomic>
 #include <cstddef>
 #include <memory>
 #include <optional>
@@ -61,6 +62,8 @@ struct World {
     ScriptBook scripts;
     FaultPlan faults;
     Traffic traffic;
+    /// How many are sent all changes as they happen.
+    std::atomic<int> listeners{0};
 };
 
 } // namespace TavoSimulator

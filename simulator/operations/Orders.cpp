@@ -40,6 +40,20 @@ Reply AnswerOff(World& world, const Request& request) {
     return Ok();
 }
 
+void TurnSwitch(Payload& payload, const std::string& name, bool on) {
+    constexpr std::size_t most = 1000;
+    if (name.empty()) {
+        payload.mainSwitch = on;
+        payload.off = payload.off && !on;
+        return;
+    }
+    if (payload.switches.size() >= most && payload.switches.count(name) == 0) {
+        throw Forbidden("There are " + std::to_string(most) +
+                        " switches already, which is the most");
+    }
+    payload.switches[name] = on;
+}
+
 Reply AnswerPower(World& world, const Request& request) {
     const std::string& id = request.Filled("id");
     const std::string& wanted = request.Filled("cmd");
@@ -47,15 +61,8 @@ Reply AnswerPower(World& world, const Request& request) {
         throw BadRequest("Parameter 'cmd' must be on or off, not '" + Escape(wanted) + "'");
     }
     const bool on = wanted == "on";
-    if (request.Find("sw") != nullptr) {
-        const std::string& name = request.Filled("sw");
-        world.payloads.Change(id, [&](Payload& payload) { payload.switches[name] = on; });
-    } else {
-        world.payloads.Change(id, [on](Payload& payload) {
-            payload.mainSwitch = on;
-            payload.off = payload.off && !on;
-        });
-    }
+    const std::string name = request.Find("sw") == nullptr ? "" : request.Filled("sw");
+    world.payloads.Change(id, [&](Payload& payload) { TurnSwitch(payload, name, on); });
     return Ok();
 }
 

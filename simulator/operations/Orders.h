@@ -15,6 +15,10 @@ Reply AnswerOff(World& world, const Request& request);
 /// main switch on ends the state of being off.
 Reply AnswerPower(World& world, const Request& request);
 
+/// Turns the switch of this name, or the main one when it is empty. Throws a Refusal for one switch
+/// too many.
+void TurnSwitch(Payload& payload, const std::string& name, bool on);
+
 /// Answers a canned text; nothing is ever run.
 Reply AnswerScript(World& world, const Request& request);
 

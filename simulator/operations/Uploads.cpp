@@ -95,7 +95,9 @@ Reply AnswerRawPacket(World& world, const Request& request) {
 }
 
 Reply AnswerMeta(World& world, const Request& request) {
-    const std::string text = ReadTextForm(request);
+    // Parsed, a document takes up to a hundred times its size, and everyone who looks is sent it.
+    constexpr std::uintmax_t largest = std::uintmax_t{256} * 1024;
+    const std::string text = ReadTextForm(request, largest);
     if (HasBraces(text)) {
         request.flag("the registration document has its outer braces");
     }

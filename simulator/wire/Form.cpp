@@ -15,7 +15,6 @@ namespace {
 
 using Traits = std::istream::traits_type;
 
-constexpr std::size_t largestText = std::size_t{16} * 1024 * 1024;
 constexpr std::size_t largestField = std::size_t{64} * 1024;
 constexpr std::size_t mostHeaderLines = 20;
 constexpr std::size_t mostParts = 100;
@@ -187,9 +186,9 @@ std::string ReadForm(const Request& request, std::ostream& file, std::uintmax_t 
     return fileName;
 }
 
-std::string ReadTextForm(const Request& request) {
+std::string ReadTextForm(const Request& request, std::uintmax_t limit) {
     std::ostringstream file;
-    ReadForm(request, file, largestText);
+    ReadForm(request, file, limit);
     std::string text = file.str();
     if (text.empty() || text.back() != '\0') {
         request.flag("the text does not end in a zero byte");

@@ -44,7 +44,8 @@ private:
 std::string ReadForm(const Request& request, std::ostream& file, std::uintmax_t limit);
 
 /// The same for content made from text: without the zero byte that ends it by the upload's format.
-std::string ReadTextForm(const Request& request);
+std::string ReadTextForm(const Request& request,
+                         std::uintmax_t limit = std::uintmax_t{16} * 1024 * 1024);
 
 } // namespace TavoSimulator
 } // namespace Brenmoor

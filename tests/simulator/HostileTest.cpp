@@ -149,6 +149,25 @@ TEST_F(Hostile, TooManyHeldPollsAreRefusedAndAPersonStillGetsThrough) {
     EXPECT_EQ(BodyOf(Get("/xp?op=poll&id=P2&format=2&timeout=0")), "{\"timeout\":true}\n");
 }
 
+TEST_F(Hostile, TooManyWhoListenAreRefused) {
+    const char target[] = "/sim/v1/events";
+    std::vector<std::unique_ptr<Connection>> pages;
+    for (int i = 0; i < 32; ++i) {
+        pages.push_back(std::make_unique<Connection>(server.Port()));
+        pages.back()->Send(GetText(target));
+        EXPECT_EQ(StatusLine(pages.back()->ReadUntil("\r\n\r\n")), "HTTP/1.1 200 OK");
+    }
+    EXPECT_EQ(Get(target), ReplyText("503 Service Unavailable", "text/plain",
+                                     "There are 32 who listen already, which is the most\n"));
+    pages.clear();
+    while (world.listeners > 0) {
+        std::this_thread::yield();
+    }
+    Connection next(server.Port());
+    next.Send(GetText(target));
+    EXPECT_EQ(StatusLine(next.ReadUntil("\r\n\r\n")), "HTTP/1.1 200 OK");
+}
+
 } // namespace
 
 } // namespace Testing

@@ -30,6 +30,20 @@ TEST_F(Orders, PowerKeepsNamedSwitchesAndTheMainOneApart) {
     EXPECT_EQ(Kept("off"), "false");
 }
 
+TEST_F(Orders, ThereIsAMostOfSwitches) {
+    world.payloads.Change("p1", [](Payload& payload) {
+        for (int i = 0; i < 1000; ++i) {
+            payload.switches["S" + std::to_string(i)] = true;
+        }
+    });
+    const char refused[] = "There are 1000 switches already, which is the most\n";
+    EXPECT_EQ(Get("/xp?op=pwr&id=p1&sw=new&cmd=on"),
+              ReplyText("403 Forbidden", "text/plain", refused));
+    EXPECT_EQ(BodyOf(Post("/sim/v1/switches", R"({"id":"p1","name":"new","on":true})")), refused);
+    EXPECT_EQ(Get("/xp?op=pwr&id=p1&sw=S7&cmd=off"), okReply);
+    EXPECT_EQ(Get("/xp?op=pwr&id=p1&cmd=off"), okReply);
+}
+
 TEST_F(Orders, ScriptAnswersCannedTextAndRunsNothing) {
     const std::string mark = folder.path + "/mark";
     EXPECT_EQ(Get("/xp?op=script&id=p1&cmd=touch%20" + mark),
