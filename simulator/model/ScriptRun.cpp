@@ -127,6 +127,7 @@ public:
         sigset_t ignored;
         sigemptyset(&ignored);
         sigaddset(&ignored, SIGPIPE);
+        sigaddset(&ignored, SIGXFSZ);
         posix_spawnattr_setsigmask(&attributes, &none);
         posix_spawnattr_setsigdefault(&attributes, &ignored);
         posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGMASK |

@@ -94,6 +94,7 @@ ExitCode Serve(const Options& options) {
     RaiseDescriptorLimit();
     const EndingSignals signals;
     std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN); // a file that may not grow is told as any other failure
 
     if (!options.portFile.empty()) {
         // One left by an earlier run would send its reader to the wrong port.

@@ -3,6 +3,8 @@
 #include <Poco/Net/ServerSocket.h>
 #include <csignal>
 #include <memory>
+#include <optional>
+#include <sys/resource.h>
 
 namespace Brenmoor {
 namespace TavoSimulator {
@@ -58,6 +60,39 @@ TEST_F(ProcessTest, EndsQuicklyWhilePollsAreHeldAndAnUploadStalls) {
         EXPECT_EQ(poll->ReadAll(),
                   ReplyText("503 Service Unavailable", "text/plain", "The server is going down\n"));
     }
+    EXPECT_EQ(Entries(folder.path + "/data"), std::vector<std::string>{});
+}
+
+/// Lets no file of this process, and of those that it starts, grow beyond that.
+class FileSizeLimit {
+public:
+    explicit FileSizeLimit(rlim_t bytes) {
+        getrlimit(RLIMIT_FSIZE, &before);
+        rlimit limit = before;
+        limit.rlim_cur = bytes;
+        setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    FileSizeLimit(const FileSizeLimit&) = delete;
+    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
+    ~FileSizeLimit() {
+        setrlimit(RLIMIT_FSIZE, &before);
+    }
+
+private:
+    rlimit before{};
+};
+
+TEST_F(ProcessTest, AnUploadThatNoFileMayHoldIsRefused) {
+    std::optional<FileSizeLimit> limit(std::in_place, 10000);
+    Process process(Arguments({"--quiet"}));
+    limit.reset();
+    const std::uint16_t port = AwaitPort(process);
+    EXPECT_EQ(
+        Exchange(port, UploadText("/xp?op=upload&id=p1", std::string(100000, 'x'), "n")),
+        ReplyText("500 Internal Server Error", "text/plain", "The upload could not be written\n"));
+    EXPECT_EQ(Exchange(port, GetText("/xp?op=off&id=p1")), okReply);
+    process.Signal(SIGTERM);
+    EXPECT_EQ(process.Wait(), 0);
     EXPECT_EQ(Entries(folder.path + "/data"), std::vector<std::string>{});
 }
 
