@@ -61,14 +61,22 @@ std::string HostName(const std::string& host) {
     return host.substr(0, host.find(':'));
 }
 
+bool IsOfOtherSite(const Request& request) {
+    const std::string origin = request.Header("Origin");
+    return !origin.empty() && origin != "http://" + request.Header("Host");
+}
+
+Refusal OtherSite() {
+    return Forbidden("Requests from another site's page are refused");
+}
+
 /// A browser tells where a request comes from, and another site's page must not steer. Nor may one
 /// whose own name was made to lead here, which is why only addresses and "localhost" will do.
 void RequireOwnOrigin(const Request& request) {
-    const std::string host = request.Header("Host");
-    const std::string origin = request.Header("Origin");
-    if (!origin.empty() && origin != "http://" + host) {
-        throw Forbidden("Requests from another site's page are refused");
+    if (IsOfOtherSite(request)) {
+        throw OtherSite();
     }
+    const std::string host = request.Header("Host");
     Poco::Net::IPAddress address;
     if (!host.empty() && HostName(host) != "localhost" &&
         !Poco::Net::IPAddress::tryParse(HostName(host), address)) {
@@ -80,6 +88,14 @@ void RequireOwnOrigin(const Request& request) {
 
 bool IsControl(const std::string& target) {
     return target.rfind("/sim/", 0) == 0 || IsPage(target);
+}
+
+void RequireNoOtherSite(const Request& request) {
+    // An image's address, say, comes without an origin.
+    const std::string site = request.Header("Sec-Fetch-Site");
+    if (IsOfOtherSite(request) || site == "cross-site" || site == "same-site") {
+        throw OtherSite();
+    }
 }
 
 bool TakesOrders(const std::string& name) {

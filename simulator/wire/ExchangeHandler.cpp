@@ -129,6 +129,7 @@ private:
             if (request.path != "/xp") {
                 throw NotFound("Nothing is served here; see /xp and /sim/v1/");
             }
+            RequireNoOtherSite(request);
             return AnswerOperation(world, request);
         });
     }

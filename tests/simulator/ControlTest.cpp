@@ -169,6 +169,23 @@ TEST_F(Control, RefusesOtherSitesPages) {
               "Use the server's address, or localhost, as its name\n");
 }
 
+TEST_F(Control, OtherSitesPagesAreNoPayloads) {
+    const auto off = [&](const std::string& header) {
+        return Exchange(server.Port(), "GET /xp?op=off&id=p1 HTTP/1.1\r\nHost: v\r\n" + header +
+                                           "Connection: close\r\n\r\n");
+    };
+    for (const char* const header :
+         {"Sec-Fetch-Site: cross-site\r\n", "Sec-Fetch-Site: same-site\r\n", "Origin: http://w\r\n",
+          "Origin: null\r\n"}) {
+        EXPECT_EQ(off(header), ReplyText("403 Forbidden", "text/plain",
+                                         "Requests from another site's page are refused\n"))
+            << header;
+    }
+    EXPECT_EQ(State(server.Port())["payloads"].size(), 0U);
+    EXPECT_EQ(off("Sec-Fetch-Site: none\r\n"), okReply);
+    EXPECT_EQ(off("Origin: http://v\r\n"), okReply);
+}
+
 TEST_F(Control, TrafficShowsThePayloadsExchangesInOrderWithTheirExactBytes) {
     const std::string request = GetText("/xp?op=off&id=p1");
     Exchange(server.Port(), request);
