@@ -91,6 +91,14 @@ pageTest("two hundred payloads stay quick", {
     await shoot(page, "many");
 });
 
+pageTest("neither a broken address nor a hostile identifier does harm", {
+    hash: "#%", prepare: (s) => s.ask("off&id=%27%24%28touch%20x%29%3Cb%3E"),
+}, async (page, simulator) => {
+    await expectTexts(page, "#detail-title", ["'$(touch x)<b>"]);
+    const server = simulator.address.slice("http://".length);
+    await expectTexts(page, "#tab-registration pre", [`tavo register -s ${server} -i ''\\''$(touch x)<b>' examples/registration.json`]);
+});
+
 let cut = false;
 
 /** Stands between the page and the simulator, and can be cut. */

@@ -4,7 +4,7 @@ import { onClick, onSubmit, post } from "./api.js";
 import { showBytes } from "./bytes.js";
 import { $, h, keyed, setText, whenChanged } from "./dom.js";
 import { feed, on } from "./feed.js";
-import { bytesText } from "./format.js";
+import { bytesText, shellWord } from "./format.js";
 import { speak } from "./notices.js";
 import { chosenPayload, onChosen } from "./payloads.js";
 
@@ -73,10 +73,10 @@ function rowsOf(payload) {
 }
 
 const drawNone = whenChanged((id) => {
-    const body = JSON.stringify({ id, command: "status" }).replaceAll("'", "'\\''");
+    const body = shellWord(JSON.stringify({ id, command: "status" }));
     $("command-none").replaceChildren(
         h("p", null, "No command yet. Queue one above, or from a shell:"),
-        h("pre", null, `curl -d '${body}' \\\n  http://${location.host}/sim/v1/commands`),
+        h("pre", null, `curl -d ${body} \\\n  http://${location.host}/sim/v1/commands`),
         h("p", null, "It waits here until the payload polls for it."));
 });
 

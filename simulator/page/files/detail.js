@@ -4,7 +4,7 @@ import { onClick, onSubmit, post } from "./api.js";
 import { startCommands } from "./commands.js";
 import { $, h, keyed, setText, whenChanged } from "./dom.js";
 import { spanText } from "./format.js";
-import { choose, chosenPayload, onChosen, standing } from "./payloads.js";
+import { choose, chosenPayload, idOfAddress, onChosen, standing } from "./payloads.js";
 import { startReceived } from "./received.js";
 import { drawRegistration } from "./registration.js";
 
@@ -98,7 +98,7 @@ function draw() {
     if (payload === undefined) {
         setText($("detail-title"), "No payload");
         drawChips([]);
-        drawNone(decodeURIComponent(location.hash.slice(1)));
+        drawNone(idOfAddress());
         return;
     }
     drawHead(payload);

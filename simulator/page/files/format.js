@@ -54,6 +54,11 @@ export function placeText(latitude, longitude) {
     return `${angleText(latitude, "N", "S")}  ${angleText(longitude, "E", "W")}`;
 }
 
+/** One word of a shell's line, whatever it is. */
+export function shellWord(text) {
+    return /^\w[\w.-]*$/.test(text) ? text : `'${text.replaceAll("'", "'\\''")}'`;
+}
+
 export function distanceText(metres) {
     return metres < 1000 ? `${metres} m` : `${metres / 1000} km`;
 }

@@ -6,8 +6,17 @@ import { plural, spanText } from "./format.js";
 import { showView } from "./views.js";
 
 const listeners = [];
-let chosen = decodeURIComponent(location.hash.slice(1));
+let chosen = idOfAddress();
 let guessed = chosen === "";
+
+/** The payload that the page's address names; "" for none. */
+export function idOfAddress() {
+    try {
+        return decodeURIComponent(location.hash.slice(1));
+    } catch {
+        return "";
+    }
+}
 
 /** Calls back when the chosen payload is another one, or has news. */
 export function onChosen(listener) {

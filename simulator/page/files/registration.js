@@ -3,6 +3,7 @@
 import { onClick } from "./api.js";
 import { showBytes } from "./bytes.js";
 import { $, h, whenChanged } from "./dom.js";
+import { shellWord } from "./format.js";
 
 const known = ["tag", "description", "corbaName", "hostID", "boardAddress", "reportingAddress"];
 const interfaceColumns = ["pn", "swver"];
@@ -40,7 +41,7 @@ const draw = whenChanged(({ id, registration, complete }) => {
     if (registration === null || typeof registration !== "object") {
         panel.replaceChildren(h("div", { class: "empty small" },
             h("p", null, "Not registered yet. The payload sends its document with ", h("code", null, "meta"), ":"),
-            h("pre", null, `tavo register -s ${location.host} -i ${id} examples/registration.json`)));
+            h("pre", null, `tavo register -s ${location.host} -i ${shellWord(id)} examples/registration.json`)));
         return;
     }
     const whole = onClick(h("button", { type: "button", class: "quiet" }, "The whole document"), () =>
