@@ -107,8 +107,10 @@ TEST_F(Hostile, IdleConnectionsKeepNobodyOut) {
     getrlimit(RLIMIT_NOFILE, &limit);
     limit.rlim_cur = limit.rlim_max;
     setrlimit(RLIMIT_NOFILE, &limit);
+    constexpr std::size_t count = 1500;
     std::vector<std::unique_ptr<Connection>> idle;
-    for (int i = 0; i < 1500; ++i) {
+    idle.reserve(count);
+    for (std::size_t i = 0; i < count; ++i) {
         idle.push_back(std::make_unique<Connection>(server.Port()));
     }
     ExpectWell();

@@ -100,14 +100,14 @@ TEST_F(ProcessTest, HelpAndVersion) {
     Process help({"--help"});
     EXPECT_EQ(help.Wait(), 0);
     const std::string text = help.RestOfOutput();
+    const char codes[] = "Exit codes:\n  0  ended by SIGINT or SIGTERM, or the scenario is met\n"
+                         "  1  a failure, such as a port that is taken\n"
+                         "  2  bad options, or a mistake in a file that they name\n"
+                         "  3  the scenario is not met, or was ended by a signal\n";
     for (const char* const option :
          {"Usage: tavo-simulator [OPTIONS]", "--port N", "--bind,--address A", "--data DIR",
           "--port-file FILE", "--quiet", "--scenario FILE", "--journal FILE", "--replay FILE",
-          "--allow-scripts DIR", "--script-timeout SECONDS", "--help", "--version",
-          "Exit codes:\n  0  ended by SIGINT or SIGTERM, or the scenario is met\n"
-          "  1  a failure, such as a port that is taken\n"
-          "  2  bad options, or a mistake in a file that they name\n"
-          "  3  the scenario is not met, or was ended by a signal\n"}) {
+          "--allow-scripts DIR", "--script-timeout SECONDS", "--help", "--version", codes}) {
         EXPECT_NE(text.find(option), std::string::npos) << option;
     }
     Process version({"--version"});
