@@ -6,9 +6,12 @@
 
 #include <TavoRemotingLib/HalcyrREST.h>
 
+#include <cerrno>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
+#include <sys/inotify.h>
+#include <unistd.h>
 
 namespace Brenmoor {
 namespace TavoRemotingLib {
@@ -46,6 +49,11 @@ TEST(StringToJson, ClosingBraceAloneIsWrappedAndItsRestIgnored) {
     EXPECT_EQ(StringToJson("\"a\":1}").toStyledString(), "{\n\t\"a\" : 1\n}\n");
 }
 
+TEST(StringToJson, CommentsAreDropped) {
+    EXPECT_EQ(StringToJson("{ // first\n\"a\":1 /* second */}").toStyledString(),
+              "{\n\t\"a\" : 1\n}\n");
+}
+
 TEST(StringToJson, TextThatIsNotJsonKeepsTheParsersList) {
     ExpectThrows<std::runtime_error>(
         [] { StringToJson("{\"a\":nope}"); },
@@ -75,6 +83,18 @@ TEST_F(FileReaders, FileOf32769BytesIsRefused) {
     const std::string path = MakeFile("large", std::string(32769, 'x'));
     ExpectThrows<std::invalid_argument>([&] { FileToString(path); },
                                         "File cannot be larger than 32K (" + path + ")");
+}
+
+TEST_F(FileReaders, LargeFileIsRefusedUnread) {
+    const std::string path = MakeFile("large", std::string(32769, 'x'));
+    const int watch = inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
+    ASSERT_NE(watch, -1);
+    ASSERT_NE(inotify_add_watch(watch, path.c_str(), IN_ACCESS), -1);
+    EXPECT_THROW(FileToString(path), std::invalid_argument);
+    inotify_event event{};
+    EXPECT_EQ(read(watch, &event, sizeof event), -1);
+    EXPECT_EQ(errno, EAGAIN);
+    close(watch);
 }
 
 TEST_F(FileReaders, SizesBeyondThirtyTwoBitsAreRefused) {
