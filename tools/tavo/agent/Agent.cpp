@@ -97,7 +97,8 @@ long Agent::PollMilliseconds() const {
     using std::chrono::milliseconds;
     const milliseconds most(options.pollSeconds * 1000);
     const auto untilAnswer = std::chrono::ceil<milliseconds>(nextAnswer - Clock::now());
-    return (answerSeconds == 0 ? most : std::clamp(untilAnswer, leastPoll, most)).count();
+    const auto time = answerSeconds == 0 ? most : std::clamp(untilAnswer, leastPoll, most);
+    return static_cast<long>(time.count()); // 32 bits on the target
 }
 
 bool Agent::Receive(const std::vector<HalcyrREST::RemoteCommand>& commands) {
