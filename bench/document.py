@@ -31,9 +31,8 @@ Compared are, each with a connection of its own for each exchange and against th
 
 {goals}
 
-The last two are of processor time, that of the client and that of the program which is loaded, and of
-the least of {repetitions} repetitions: on a shared machine, time by the clock tells more about the other
-work. (The clock's medians are in the next table.)
+The last three are of the least of {repetitions} repetitions, since other work on the machine only adds to
+a time. Processor time is that of the client alone, and of the program that is loaded.
 
 "By hand through the file" is bare, but with the temporary file that the upload's format names, made
 with the framework's types, as the contract has it.
@@ -164,9 +163,9 @@ def versions():
 
 def load(averages):
     return '\n'.join(tables.wrapped(
-        'Times do not: while they were taken, other work ran on the same processors (load averages over 1, 5 and 15 '
-        f'minutes: {averages[0]} before, {averages[1]} after). Each is a median, and the quartiles '
-        'of bare show how far to trust it.'))
+        f'Times do not; the load averages over 1, 5 and 15 minutes were {averages[0]} before they '
+        f'were taken and {averages[1]} after. Each is a median, and the quartiles of bare show how '
+        'far to trust it.'))
 
 
 def write(figures):
@@ -175,7 +174,8 @@ def write(figures):
     amd64_arguments = ('amd64', *example, figures['batches'], 'all')
     armhf_arguments = ('armhf', *example, figures['batches'], 'all')
     text = TEXT.format(
-        date=figures['date'], machine=machine(), versions=versions(), load=load(figures['load']), goals=tables.goals_table(figures),
+        date=figures['date'], machine=machine(), versions=versions(), load=load(figures['load']),
+        goals=tables.goals_table(figures),
         times=tables.times_over_bare(times), instructions=tables.over_bare(amd64),
         allocations=tables.absolute(amd64, 'allocations'), peak=tables.absolute(amd64, 'peak'),
         descriptors=tables.absolute(amd64, 'descriptors'), copied=tables.copied(amd64),

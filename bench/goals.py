@@ -63,8 +63,10 @@ def counted_goals(figures):
 def timed_goals(times):
     """Of the least times, since other work on the machine only ever adds to them."""
     library, bare = times['library'], times['bare']
-    throughput = bare['upload-file'][4] / library['upload-file'][4]
+    text = 'upload of a 1 GiB file: throughput over bare, by '
+    goals = [goal(text + name, bare['upload-file'][least] / library['upload-file'][least], 0.98,
+                  '{:.3f}', at_least=True)
+             for name, least in [('the clock', 3), ('processor time', 4)]]
     loading = (library['load'][3] - bare['load'][3]) / 1e6
-    return [goal('upload of a 1 GiB file: throughput over bare, of processor time', throughput, 0.98,
-                 '{:.3f}', at_least=True),
-            goal('loading: ms beyond libcurl and jsoncpp', loading, 1.0, '{:.2f}')]
+    return goals + [goal('loading: ms of processor time beyond libcurl and jsoncpp', loading, 1.0,
+                         '{:.2f}')]
