@@ -31,8 +31,9 @@ Compared are, each with a connection of its own for each exchange and against th
 
 {goals}
 
-The last three are of the least of {repetitions} repetitions, since other work on the machine only adds to
-a time. Processor time is that of the client alone, and of the program that is loaded.
+The last three are of the least time, since other work on the machine only adds to one: throughput of
+101 repetitions in mixed order, and loading of {repetitions}. Processor time is that of the client alone,
+and of the program that is loaded.
 
 "By hand through the file" is bare, but with the temporary file that the upload's format names, made
 with the framework's types, as the contract has it.

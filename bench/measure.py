@@ -56,10 +56,10 @@ def qemu_command(arguments, folder):
     return pinned(f'qemu-arm -L {SYSROOT} -plugin {PLUGIN},out={folder}/out {counting(*arguments)}')
 
 
-def times_command(file, repetitions, out):
-    return (f'{SERVER} {TIMES} --benchmark_repetitions={repetitions} --benchmark_min_time=0.05 '
-            f'--benchmark_enable_random_interleaving=true --benchmark_out={out} '
-            f'--benchmark_out_format=json {file}')
+def times_command(file, repetitions, out, only='.'):
+    return (f'{SERVER} {TIMES} --benchmark_filter={only} --benchmark_repetitions={repetitions} '
+            '--benchmark_min_time=0.05 --benchmark_enable_random_interleaving=true '
+            f'--benchmark_out={out} --benchmark_out_format=json {file}')
 
 
 def run(command):
@@ -137,12 +137,12 @@ def counts(arch, client, file, batches, subjects='all'):
     return merged(instructions, by_heap((arch, client, file, 1, subjects)))
 
 
-def times(file, repetitions):
+def times(file, repetitions, only='.'):
     """times[client][subject]: the quartiles of one run in nanoseconds, the least, and the least
     that the client itself had the processor."""
     with tempfile.TemporaryDirectory() as folder:
         out = os.path.join(folder, 'times.json')
-        run(times_command(file, repetitions, out))
+        run(times_command(file, repetitions, out, only))
         with open(out, encoding='utf-8') as written:
             runs = json.load(written)['benchmarks']
     samples = {}

@@ -41,7 +41,7 @@ def goals_table(figures):
 def goal_pairs(figures):
     """Every goal for amd64 with the same one for armhf, if that is for armhf too."""
     counted = zip(goals.counted_goals(figures['amd64']), goals.counted_goals(figures['armhf']))
-    return list(counted) + [(goal, None) for goal in goals.timed_goals(figures['times'])]
+    return list(counted) + [(goal, None) for goal in goals.timed_goals(figures)]
 
 
 def over_bare(figures):
