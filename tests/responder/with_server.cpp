@@ -21,7 +21,7 @@
 namespace {
 
 constexpr int servers = 16;
-constexpr std::size_t bufferSize = 256 * 1024;
+constexpr std::size_t bufferSize = 262144;
 
 int Check(int result, const char* call) {
     if (result < 0) {

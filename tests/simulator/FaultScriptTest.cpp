@@ -81,7 +81,7 @@ TEST(FaultCatalogueTest, KnowsTheClientsLimit) {
     EXPECT_EQ(ClientLimit("/xp?op=poll&timeout=9223372036854775807"), milliseconds(8640061000));
 }
 
-std::string Played(const char* name, Occasion occasion) {
+std::string Played(const char* name, const Occasion& occasion) {
     WritingLine line;
     FindFault(name).play(line, occasion);
     return line.Sent();

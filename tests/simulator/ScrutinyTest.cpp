@@ -43,12 +43,13 @@ RequestHead With(RequestHead head, const std::string& name, const std::string& v
 }
 
 TEST(HeadFlags, AreNoneForWhatTheClientSends) {
+    const std::string longest = "/xp?op=poll&id=P1&id=P2&id=P1&format=2&gps=true&shutdown=true&"
+                                "maxcommands=10&timeout=60000";
     for (const char* const target :
-         {"/xp?op=off&id=", "/xp?op=pwr&id=a%20b&sw=%2B&cmd=on", "/xp?op=pwr&id=P1&cmd=off",
-          "/xp?op=script&id=P1&cmd=-_.~%25", "/xp?op=metadone&id=%FF%00",
-          "/xp?op=offdelay&id=P1&delay=-30&setdefault=0", "/xp?op=poll&format=2&timeout=0",
-          "/xp?op=poll&id=P1&id=P2&id=P1&format=2&gps=true&shutdown=true&maxcommands=10&"
-          "timeout=60000",
+         {longest.c_str(), "/xp?op=off&id=", "/xp?op=pwr&id=a%20b&sw=%2B&cmd=on",
+          "/xp?op=pwr&id=P1&cmd=off", "/xp?op=script&id=P1&cmd=-_.~%25",
+          "/xp?op=metadone&id=%FF%00", "/xp?op=offdelay&id=P1&delay=-30&setdefault=0",
+          "/xp?op=poll&format=2&timeout=0",
           "/xp?op=poll&id=P1&format=2&gps=true&maxcommands=-3&timeout=1"}) {
         EXPECT_EQ(HeadFlags(GoodGet(target)), Flags{}) << target;
     }
