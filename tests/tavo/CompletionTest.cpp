@@ -70,7 +70,7 @@ TEST(ZshCompletionTest, SpecifiesCommandsOptionsAndArguments) {
     const std::string script = ZshCompletion({{"-v,--verbose", "", "more", &level}}, {command});
     for (const std::string part : {"#compdef tavo\n", "        'dig:dig\\: a hole'\n",
                                    "        '*-v[more]'\n        '*--verbose[more]'\n",
-                                   "    dig)\n        specifications+=(\n"
+                                   "    dig)\n        rules+=(\n"
                                    "        '(--as)--as[a name]:NAME: '\n"
                                    "        '1:WHERE:(here there)'\n"
                                    "        '2:FILE:_files'\n        ) ;;\n"}) {

@@ -6,7 +6,7 @@ namespace Tavo {
 
 namespace {
 
-/// The text within a specification, which stands in single quotes.
+/// The text within a rule for _arguments, which stands in single quotes.
 std::string Quoted(const std::string& text) {
     std::string quoted;
     for (const char character : text) {
@@ -34,8 +34,8 @@ bool IsRepeatable(const Parameter& parameter) {
            std::holds_alternative<std::vector<std::string>*>(parameter.target);
 }
 
-/// A specification for _arguments, one for each name of the option.
-std::string Specifications(const std::vector<Parameter>& options) {
+/// A rule for _arguments for each name of each option.
+std::string Rules(const std::vector<Parameter>& options) {
     std::string lines;
     for (const Parameter& option : options) {
         const std::vector<std::string> names = Names(option);
@@ -50,8 +50,7 @@ std::string Specifications(const std::vector<Parameter>& options) {
 }
 
 std::string Case(const Command& command) {
-    std::string lines =
-        "    " + command.name + ")\n        specifications+=(\n" + Specifications(command.options);
+    std::string lines = "    " + command.name + ")\n        rules+=(\n" + Rules(command.options);
     int number = 0;
     for (const Parameter& argument : command.arguments) {
         const std::string place = IsRepeatable(argument) ? "*" : std::to_string(++number);
@@ -67,9 +66,9 @@ _tavo() {
     typeset -A opt_args
     local -a commands=(
 @COMMANDS@    )
-    local -a specifications=(
+    local -a rules=(
 @COMMON@    )
-    _arguments -C $specifications '1: :->command' '*::: :->argument' && return
+    _arguments -C $rules '1: :->command' '*::: :->argument' && return
     if [[ $state == command ]]; then
         _describe command commands
         return
@@ -78,7 +77,7 @@ _tavo() {
 @CASES@    esac
     words=($line[1] "${words[@]}")
     ((CURRENT += 1))
-    _arguments -s $specifications
+    _arguments -s $rules
 }
 
 if [[ $funcstack[1] == _tavo ]]; then
@@ -99,7 +98,7 @@ std::string ZshCompletion(const std::vector<Parameter>& common,
         cases += Case(command);
     }
     return Filled(function, {{"@COMMANDS@", names},
-                             {"@COMMON@", Specifications(common) + Specifications(OwnParameters())},
+                             {"@COMMON@", Rules(common) + Rules(OwnParameters())},
                              {"@CASES@", cases}});
 }
 
