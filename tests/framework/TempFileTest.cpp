@@ -1,6 +1,7 @@
 #include <MirrinFramework/TempFile.h>
 
 #include "support/CleanTest.h"
+#include "support/ResourceLimit.h"
 
 #include <cerrno>
 #include <csignal>
@@ -10,7 +11,6 @@
 #include <fstream>
 #include <iterator>
 #include <set>
-#include <sys/resource.h>
 #include <system_error>
 #include <unistd.h>
 
@@ -129,19 +129,10 @@ TEST_F(TempFileTest, ExistingFileIsNeverTaken) {
 }
 
 TEST_F(TempFileTest, FullDiskIsToldAndTheFileRemoved) {
-    // A limit on the size of files fails a write as a full disk does, with a part written.
-    struct rlimit before = {};
-    getrlimit(RLIMIT_FSIZE, &before);
-    const struct rlimit small = {1000, before.rlim_max};
-    const auto handler = signal(SIGXFSZ, SIG_IGN);
-    setrlimit(RLIMIT_FSIZE, &small);
-    {
-        TempFile file(10);
-        ExpectSystemError([&] { file.Write(Bytes(std::string(1001, 'x'))); }, EFBIG,
-                          "Failed to write temporary file '" + file.GetName() + "'");
-    }
-    setrlimit(RLIMIT_FSIZE, &before);
-    signal(SIGXFSZ, handler);
+    const TavoRemotingLib::Testing::SmallFiles limit(1000);
+    TempFile file(10);
+    ExpectSystemError([&] { file.Write(Bytes(std::string(1001, 'x'))); }, EFBIG,
+                      "Failed to write temporary file '" + file.GetName() + "'");
 }
 
 } // namespace

@@ -2,17 +2,16 @@
 
 #include "OperationsTest.h"
 #include "support/LowDescriptorsTaken.h"
+#include "support/ResourceLimit.h"
 #include "support/Throws.h"
 
 #include <TavoRemotingLib/CurlUtils.h>
 
 #include <cerrno>
-#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <sched.h>
 #include <sys/mount.h>
-#include <sys/resource.h>
 #include <sys/wait.h>
 #include <system_error>
 
@@ -63,33 +62,13 @@ TEST_F(ProcessTest, WithoutATemporaryFolderUploadsAreRefusedAndTheRestWorks) {
     }
 }
 
-/// Fails writes beyond 10000 bytes of a file, as a full disk does, while it lives.
-class SmallFiles {
-public:
-    SmallFiles() : handler(signal(SIGXFSZ, SIG_IGN)) {
-        getrlimit(RLIMIT_FSIZE, &before);
-        const rlimit small = {10000, before.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &small);
-    }
-    SmallFiles(const SmallFiles&) = delete;
-    SmallFiles& operator=(const SmallFiles&) = delete;
-    ~SmallFiles() {
-        setrlimit(RLIMIT_FSIZE, &before);
-        signal(SIGXFSZ, handler);
-    }
-
-private:
-    rlimit before = {};
-    const sighandler_t handler;
-};
-
 TEST_F(ProcessTest, ContentBeyondTheLimitOfAFileIsRefusedAndTheNextUploadWorks) {
     const ScriptedServer server(OkReply("OK"));
     HalcyrREST client(server.Address(), logger, false);
     const std::string large(10001, 'x');
     const std::string failure = "Failed to write temporary file '" + TempFolder() + "/mirrin-";
     {
-        const SmallFiles limit;
+        const SmallFiles limit(10000);
         const auto refused = [&](const auto& upload) {
             ExpectSystemError(upload, EFBIG, failure);
         };
@@ -148,26 +127,12 @@ TEST_F(ProcessTest, FullDiskRefusesAnUploadAndTakesTheNextThatFits) {
     EXPECT_EQ(server.Requests().size(), 1U);
 }
 
-/// Leaves the process 96 MiB of addresses beyond those it has, while it lives.
-class LittleMemory {
-public:
-    LittleMemory() {
-        getrlimit(RLIMIT_AS, &before);
-        std::size_t pages = 0;
-        std::ifstream("/proc/self/statm") >> pages;
-        const rlimit little = {pages * static_cast<std::size_t>(getpagesize()) + 100663296,
-                               before.rlim_max};
-        EXPECT_EQ(setrlimit(RLIMIT_AS, &little), 0);
-    }
-    LittleMemory(const LittleMemory&) = delete;
-    LittleMemory& operator=(const LittleMemory&) = delete;
-    ~LittleMemory() {
-        setrlimit(RLIMIT_AS, &before);
-    }
-
-private:
-    rlimit before = {};
-};
+/// The addresses that the process has.
+std::size_t AddressedBytes() {
+    std::size_t pages = 0;
+    std::ifstream("/proc/self/statm") >> pages;
+    return pages * static_cast<std::size_t>(getpagesize());
+}
 
 TEST_F(ProcessTest, EndlessBodyEndsInAnExceptionWhenMemoryEnds) {
 #ifdef TAVO_UNLIMITED_MEMORY
@@ -178,7 +143,7 @@ TEST_F(ProcessTest, EndlessBodyEndsInAnExceptionWhenMemoryEnds) {
                                 Flood(std::string(1048576, 'x'))};
         const ScriptedServer server({endless, Good(operation)});
         HalcyrREST client(server.Address(), logger, false);
-        const LittleMemory limit;
+        const ResourceLimit limit(RLIMIT_AS, AddressedBytes() + 100663296);
         try {
             operation.call(client, "P1", file);
             ADD_FAILURE() << operation.name << " took it whole";

@@ -1,10 +1,10 @@
 #include "support/ProcessTest.h"
+#include "support/ResourceLimit.h"
 
 #include <Poco/Net/ServerSocket.h>
 #include <csignal>
 #include <memory>
 #include <optional>
-#include <sys/resource.h>
 
 namespace Brenmoor {
 namespace TavoSimulator {
@@ -63,27 +63,10 @@ TEST_F(ProcessTest, EndsQuicklyWhilePollsAreHeldAndAnUploadStalls) {
     EXPECT_EQ(Entries(folder.path + "/data"), std::vector<std::string>{});
 }
 
-/// Lets no file of this process, and of those that it starts, grow beyond that.
-class FileSizeLimit {
-public:
-    explicit FileSizeLimit(rlim_t bytes) {
-        getrlimit(RLIMIT_FSIZE, &before);
-        rlimit limit = before;
-        limit.rlim_cur = bytes;
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    FileSizeLimit(const FileSizeLimit&) = delete;
-    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-    ~FileSizeLimit() {
-        setrlimit(RLIMIT_FSIZE, &before);
-    }
-
-private:
-    rlimit before{};
-};
-
 TEST_F(ProcessTest, AnUploadThatNoFileMayHoldIsRefused) {
-    std::optional<FileSizeLimit> limit(std::in_place, 10000);
+    // The program keeps it.
+    std::optional<TavoRemotingLib::Testing::ResourceLimit> limit(std::in_place, RLIMIT_FSIZE,
+                                                                 10000U);
     Process process(Arguments({"--quiet"}));
     limit.reset();
     const std::uint16_t port = AwaitPort(process);

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "support/ResourceLimit.h"
+
 #include <fcntl.h>
-#include <gtest/gtest.h>
-#include <sys/resource.h>
 #include <sys/select.h>
 #include <unistd.h>
 #include <vector>
@@ -15,10 +15,6 @@ namespace Testing {
 class LowDescriptorsTaken {
 public:
     LowDescriptorsTaken() {
-        getrlimit(RLIMIT_NOFILE, &before);
-        rlimit more = before;
-        more.rlim_cur = 2048;
-        EXPECT_EQ(setrlimit(RLIMIT_NOFILE, &more), 0);
         int taken = -1;
         while ((taken = open("/dev/null", O_RDONLY | O_CLOEXEC)) >= 0 && taken < FD_SETSIZE) {
             descriptors.push_back(taken);
@@ -31,11 +27,10 @@ public:
         for (const int taken : descriptors) {
             close(taken);
         }
-        setrlimit(RLIMIT_NOFILE, &before);
     }
 
 private:
-    rlimit before = {};
+    const ResourceLimit limit{RLIMIT_NOFILE, 2048};
     std::vector<int> descriptors;
 };
 

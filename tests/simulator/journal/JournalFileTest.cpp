@@ -1,9 +1,7 @@
 #include "control/JournalFile.h"
 #include "control/TrafficView.h"
+#include "support/ResourceLimit.h"
 #include "support/StandingWorld.h"
-
-#include <csignal>
-#include <sys/resource.h>
 
 namespace Brenmoor {
 namespace TavoSimulator {
@@ -89,28 +87,6 @@ TEST_F(JournalFileTest, SaysOnceThatItCannotBeWritten) {
     EXPECT_TRUE(journal.Failed());
 }
 
-/// A limit on the sizes of files, which lets a line be written in part.
-class FileSizeLimit {
-public:
-    explicit FileSizeLimit(rlim_t bytes) {
-        previous = std::signal(SIGXFSZ, SIG_IGN);
-        getrlimit(RLIMIT_FSIZE, &before);
-        rlimit limit = before;
-        limit.rlim_cur = bytes;
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    FileSizeLimit(const FileSizeLimit&) = delete;
-    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-    ~FileSizeLimit() {
-        setrlimit(RLIMIT_FSIZE, &before);
-        std::signal(SIGXFSZ, previous);
-    }
-
-private:
-    void (*previous)(int) = nullptr;
-    rlimit before{};
-};
-
 TEST_F(JournalFileTest, TakesBackALineThatCouldBeWrittenInPartOnly) {
     const JournalFile journal(name, world);
     EndExchange("off");
@@ -118,7 +94,7 @@ TEST_F(JournalFileTest, TakesBackALineThatCouldBeWrittenInPartOnly) {
     ::testing::internal::CaptureStderr();
     std::string during;
     {
-        const FileSizeLimit limit(whole.size() + 10);
+        const TavoRemotingLib::Testing::SmallFiles limit(whole.size() + 10);
         EndExchange("off");
         during = ReadFile(name);
     }
