@@ -4,6 +4,8 @@
 
 #include <TavoRemotingLib/HalcyrREST.h>
 
+#include <utility>
+
 namespace Brenmoor {
 namespace TavoRemotingLib {
 
@@ -66,7 +68,7 @@ void HalcyrREST::PRHardware::InitFromRegJSON(const std::string& document,
     for (const Json::Value& entry : entries) {
         PRHardware record;
         record.InitFromJSON(styled.Of(entry));
-        list.push_back(record);
+        list.push_back(std::move(record));
     }
 }
 
@@ -81,12 +83,12 @@ std::string HalcyrREST::PRHardware::UpdateJSON(const std::string& document,
     // deliberately from an empty list.
     Json::Value entries;
     for (const PRHardware& record : list) {
-        const Json::Value entry = ToEntry(record);
+        Json::Value entry = ToEntry(record);
         if (!entry.isNull()) {
-            entries.append(entry);
+            entries.append(std::move(entry));
         }
     }
-    object[PRHHardware] = entries;
+    object[PRHHardware] = std::move(entries);
     return object.toStyledString();
 }
 

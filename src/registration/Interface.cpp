@@ -3,6 +3,8 @@
 
 #include <TavoRemotingLib/HalcyrREST.h>
 
+#include <utility>
+
 namespace Brenmoor {
 namespace TavoRemotingLib {
 
@@ -39,8 +41,8 @@ std::string HalcyrREST::PRInterface::UpdateJSON(const std::string& document) con
     WriteString(entry, PRIPartNumber, partNumber);
     WriteString(entry, PRISWVer, swVer);
     Json::Value list;
-    list.append(entry);
-    object[PRIInterface] = list;
+    list.append(std::move(entry));
+    object[PRIInterface] = std::move(list);
     return object.toStyledString();
 }
 
