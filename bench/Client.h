@@ -21,7 +21,14 @@ public:
     /// The number of commands in the reply, all of which have been made records.
     virtual std::size_t Poll(const std::string& id) = 0;
     virtual void UploadContent(const std::string& content) = 0;
-    virtual void UploadFile(const std::string& fileName) = 0;
+    virtual void UploadFile(const std::string& fileName, std::size_t size) = 0;
+
+protected:
+    /// The server takes an upload for whole only when it has at least the bytes that its payload's
+    /// name tells.
+    static std::string IdOf(std::size_t size) {
+        return "P" + std::to_string(size);
+    }
 };
 
 /// The client of that name for a server (host:port); throws std::invalid_argument for no such name.

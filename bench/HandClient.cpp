@@ -19,11 +19,11 @@ std::size_t HandClient::Poll(const std::string& id) {
 }
 
 void HandClient::UploadContent(const std::string& content) {
-    PostContent("/xp?op=reply&id=P1&tag=t1", content);
+    PostContent("/xp?op=reply&id=" + IdOf(content.size()) + "&tag=t1", content);
 }
 
-void HandClient::UploadFile(const std::string& fileName) {
-    PostFile("/xp?op=upload&id=P1", fileName);
+void HandClient::UploadFile(const std::string& fileName, std::size_t size) {
+    PostFile("/xp?op=upload&id=" + IdOf(size), fileName);
 }
 
 void ExpectStatusOK(long status) {

@@ -13,7 +13,7 @@ public:
     std::string RunScript(const std::string& command) override;
     std::size_t Poll(const std::string& id) override;
     void UploadContent(const std::string& content) override;
-    void UploadFile(const std::string& fileName) override;
+    void UploadFile(const std::string& fileName, std::size_t size) override;
 
 private:
     virtual std::string Get(const std::string& target) = 0;

@@ -2,6 +2,7 @@
 
 #include <json/reader.h>
 #include <stdexcept>
+#include <utility>
 
 namespace Brenmoor {
 namespace TavoRemotingLib {
@@ -113,9 +114,9 @@ std::string WriteHardware(const std::string& document, const std::vector<Hardwar
             entry[field.key] = record.*field.member;
         }
         entry["power"] = record.power;
-        entries.append(entry);
+        entries.append(std::move(entry));
     }
-    object["hardware"] = entries;
+    object["hardware"] = std::move(entries);
     return object.toStyledString();
 }
 

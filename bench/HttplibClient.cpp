@@ -4,6 +4,7 @@
 #include <fstream>
 #include <httplib.h>
 #include <stdexcept>
+#include <utility>
 
 namespace Brenmoor {
 namespace TavoRemotingLib {
@@ -11,12 +12,12 @@ namespace Bench {
 
 namespace {
 
-std::string BodyOf(const httplib::Result& result) {
+std::string BodyOf(httplib::Result result) {
     if (!result) {
         throw std::runtime_error(httplib::to_string(result.error()));
     }
     ExpectStatusOK(result->status);
-    return result->body;
+    return std::move(result->body);
 }
 
 class HttplibClient : public HandClient {
@@ -36,6 +37,9 @@ private:
     }
     void PostFile(const std::string& target, const std::string& fileName) override {
         std::ifstream file(fileName, std::ios::binary);
+        if (!file) {
+            throw std::runtime_error("cannot open " + fileName);
+        }
         const auto read = [&file](std::size_t, httplib::DataSink& sink) {
             char buffer[65536];
             file.read(buffer, sizeof buffer);

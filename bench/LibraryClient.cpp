@@ -30,10 +30,10 @@ public:
         return commands.size();
     }
     void UploadContent(const std::string& content) override {
-        client.RespondToCommand("P1", "t1", content, true, true);
+        client.RespondToCommand(IdOf(content.size()), "t1", content, true, true);
     }
-    void UploadFile(const std::string& fileName) override {
-        client.SendFileToShore("P1", fileName, "");
+    void UploadFile(const std::string& fileName, std::size_t size) override {
+        client.SendFileToShore(IdOf(size), fileName, "");
     }
 
 private:
@@ -42,17 +42,15 @@ private:
     HalcyrREST client;
 };
 
-/// Costs a little more than it has to: each reply goes through streams.
+/// Costs a little more than it has to: each reply goes through a stream and a list.
 class CanaryClient : public LibraryClient {
 public:
     using LibraryClient::LibraryClient;
 
     std::string RunScript(const std::string& command) override {
         std::string reply = LibraryClient::RunScript(command);
-        std::list<std::istringstream> streams;
-        for (int i = 0; i < 3; ++i) {
-            streams.emplace_back(reply);
-        }
+        const std::istringstream stream(reply);
+        const std::list<char> bytes(reply.begin(), reply.end());
         return reply;
     }
 };

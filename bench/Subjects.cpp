@@ -97,9 +97,9 @@ Subject UploadOf(const Maker& client, const std::string& name, std::size_t size,
 }
 
 Subject FileOf(const Maker& client, const std::string& file) {
-    return {"upload-file", static_cast<std::size_t>(boost::filesystem::file_size(file)), 1,
-            [client, file] {
-                client->UploadFile(file);
+    const auto size = static_cast<std::size_t>(boost::filesystem::file_size(file));
+    return {"upload-file", size, 1, [client, file, size] {
+                client->UploadFile(file, size);
             }};
 }
 
@@ -118,9 +118,12 @@ std::vector<Subject> All(const std::string& name, const Maker& client, const std
     if (!isOnlyForUploads) {
         all.push_back(FileOf(client, file));
         Append(all, Polls(client));
-        Append(all, Threads(client));
     }
     Append(all, LocalSubjects(name, *client));
+    // Last, since memory is handed out at another cost once a process has had threads.
+    if (!isOnlyForUploads) {
+        Append(all, Threads(client));
+    }
     return all;
 }
 

@@ -8,6 +8,9 @@ namespace Brenmoor {
 namespace TavoRemotingLib {
 namespace Bench {
 
+/// From this size on a run takes seconds: it needs no warming, and one is long enough to be timed.
+constexpr std::size_t largeBody = 50000000;
+
 /// Something that is measured.
 struct Subject {
     std::string name;

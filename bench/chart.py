@@ -2,11 +2,11 @@
 
 import math
 
-from measure import TITLES
+from measure import PEERS, TITLES
 
 PATH = 'docs/performance.svg'
 SUBJECTS = ['get', 'get-8mb', 'upload-1kb', 'upload-1mb', 'upload-file', 'poll-100', 'poll-10000']
-CLIENTS = ['library', 'curlpp', 'poco', 'httplib', 'beast']
+CLIENTS = [client for client in PEERS if client != 'bare']
 LANE, GAP, HEAD, FOOT = 14, 16, 88, 58
 SUBJECT_AT, CLIENT_AT, PLOTS, PLOT, MARGIN = 24, 232, (252, 472, 692), 190, 16
 MOST = 16  # a longer line ends there, with an arrow

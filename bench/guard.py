@@ -1,6 +1,7 @@
 """Compares instructions and allocations with those that were kept, limits.json."""
 
 import json
+import math
 
 import goals
 import measure
@@ -33,15 +34,16 @@ def measured(file):
 
 
 def excesses(figures, limits):
-    """The figures above their limits, as lines to print."""
+    """The figures above their limits or goals, as lines to print."""
     lines = []
     for name in figures:
         limit = limits[name]
-        most = limit['instructions'] * MARGIN
+        most = min(limit['instructions'] * MARGIN, goals.INSTRUCTIONS.get(name, math.inf))
         if figures[name]['instructions'] > most:
             lines.append(f'{name}: {figures[name]["instructions"]:.4f} times the instructions of '
                          f'by hand, at most {most:.4f}')
-        most = limit['allocations'] + max(1, abs(limit['allocations']) * (MARGIN - 1))
+        most = min(limit['allocations'] + max(1, abs(limit['allocations']) * (MARGIN - 1)),
+                   goals.ALLOCATIONS.get(name, math.inf))
         if figures[name]['allocations'] > most:
             lines.append(f'{name}: {figures[name]["allocations"]:.0f} more allocations than by '
                          f'hand, at most {most:.0f}')
@@ -49,9 +51,15 @@ def excesses(figures, limits):
 
 
 def keep(figures):
+    """Returns whether the figures reach the goals, and only then keeps them."""
+    found = excesses(figures, figures)
+    if found:
+        print('\n'.join(found))
+        return False
     with open(LIMITS, 'w', encoding='utf-8') as file:
         json.dump(figures, file, indent=4)
         file.write('\n')
+    return True
 
 
 def check(figures, canary):

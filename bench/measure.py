@@ -7,21 +7,31 @@ peak, copied, descriptors and body; all but the peak are those of one run of the
 import json
 import os
 import re
+import shlex
 import statistics
 import subprocess
 import tempfile
 
-CLIENTS = ['library', 'bare', 'file', 'contract', 'curlpp', 'poco', 'httplib', 'beast']
+PEERS = ['library', 'bare', 'curlpp', 'poco', 'httplib', 'beast']
+CLIENTS = PEERS + ['file', 'contract']
+POLLS = ['1', '100', '1000', '10000']
 # What people call the exchanges.
 TITLES = {'get': 'GET, small reply', 'get-8mb': 'GET of 8 MB', 'upload-1kb': 'upload of 1 KB',
           'upload-1mb': 'upload of 1 MB', 'upload-file': 'upload of a 1 GiB file',
           'poll-1': 'poll, 1 command', 'poll-100': 'poll, 100 commands',
           'poll-1000': 'poll, 1,000 commands', 'poll-10000': 'poll, 10,000 commands',
           'threads-1': 'threads-1', 'threads-4': 'threads-4', 'threads-16': 'threads-16'}
+# What threads do at once, the plugin of qemu does not count exactly.
+COUNTED = {'amd64': 'all',
+           'armhf': ','.join(['get', 'get-8mb', 'upload-1kb', 'upload-1mb', 'upload-file',
+                              'hardware-read', 'hardware-write', 'encode-plain', 'encode-worst'] +
+                             [f'{kind}-{count}' for kind in ['poll', 'reply', 'parse', 'decode']
+                              for count in POLLS])}
 SERVER = 'build/bench-amd64/tests/responder/with_server'
 TIMES = 'build/bench-amd64/bench/bench_times'
 PLUGIN = 'build/bench-amd64/bench/libbench_qemu.so'
 SYSROOT = 'build/armhf-sysroot'
+ENVIRONMENT = ['env', 'no_proxy=127.0.0.1', 'NO_PROXY=127.0.0.1']
 # Copying by "rep movsb" would count as one instruction for each byte.
 TUNABLES = 'GLIBC_TUNABLES=glibc.cpu.x86_rep_movsb_threshold=1000000000000'
 
@@ -32,42 +42,42 @@ def program(arch, name):
 
 def counting(arch, client, file, batches, subjects):
     """The command that runs the subjects; the server puts its address behind it."""
-    return f'{program(arch, "bench_counts")} {client} {file} {batches} {subjects}'
+    return [program(arch, 'bench_counts'), client, file, str(batches), subjects]
 
 
-# On one processor, so that the server's turns always come when the client waits.
 def pinned(command):
-    return f'taskset -c {min(os.sched_getaffinity(0))} {SERVER} {command}'
+    """On one processor, so that the server's turns always come when the client waits."""
+    return [*ENVIRONMENT, 'taskset', '-c', str(min(os.sched_getaffinity(0))), SERVER, *command]
 
 
 def callgrind_command(arguments, folder):
-    return pinned(f'env {TUNABLES} valgrind -q --tool=callgrind '
-                  f'--callgrind-out-file={folder}/out {counting(*arguments)}')
+    return pinned(['env', TUNABLES, 'valgrind', '-q', '--tool=callgrind',
+                   f'--callgrind-out-file={folder}/out', *counting(*arguments)])
 
 
 def heap_command(arguments):
     arch = arguments[0]
     preload = f'LD_PRELOAD={program(arch, "libbench_heap.so")}'
-    run = f'env {preload}' if arch == 'amd64' else f'qemu-arm -L {SYSROOT} -E {preload}'
-    return pinned(f'{run} {counting(*arguments)}')
+    run_by = ['env'] if arch == 'amd64' else ['qemu-arm', '-L', SYSROOT, '-E']
+    return pinned([*run_by, preload, *counting(*arguments)])
 
 
 def qemu_command(arguments, folder):
-    return pinned(f'qemu-arm -L {SYSROOT} -plugin {PLUGIN},out={folder}/out {counting(*arguments)}')
+    return pinned(['qemu-arm', '-L', SYSROOT, '-plugin', f'{PLUGIN},out={folder}/out',
+                   *counting(*arguments)])
 
 
 def times_command(file, repetitions, out, only='.'):
-    return (f'{SERVER} {TIMES} --benchmark_filter={only} --benchmark_repetitions={repetitions} '
-            '--benchmark_min_time=0.05 --benchmark_enable_random_interleaving=true '
-            f'--benchmark_out={out} --benchmark_out_format=json {file}')
+    return [*ENVIRONMENT, SERVER, TIMES, f'--benchmark_filter={only}',
+            f'--benchmark_repetitions={repetitions}', '--benchmark_min_time=0.05',
+            '--benchmark_enable_random_interleaving=true', f'--benchmark_out={out}',
+            '--benchmark_out_format=json', file]
 
 
 def run(command):
-    environment = {**os.environ, 'no_proxy': '127.0.0.1', 'NO_PROXY': '127.0.0.1'}
-    done = subprocess.run(command.split(), env=environment, stdout=subprocess.PIPE, text=True,
-                          check=False)
+    done = subprocess.run(command, stdout=subprocess.PIPE, text=True, check=False)
     if done.returncode != 0:
-        raise SystemExit(f'bench: failed with {done.returncode}: {command}')
+        raise SystemExit(f'bench: failed with {done.returncode}: {shlex.join(command)}')
     return done.stdout.splitlines()
 
 
@@ -89,9 +99,14 @@ def medians(batches, field):
     return figures
 
 
+def expect(names, counted):
+    if len(names) != counted:
+        raise SystemExit(f'bench: {len(names)} regions, but {counted} counts')
+
+
 def by_callgrind(arguments):
     with tempfile.TemporaryDirectory() as folder:
-        run(callgrind_command(arguments, folder))
+        names = run(callgrind_command(arguments, folder))
         batches = []
         for dump in os.listdir(folder):
             with open(os.path.join(folder, dump), encoding='utf-8') as file:
@@ -100,6 +115,7 @@ def by_callgrind(arguments):
             total = re.search(r'^(?:totals|summary): (\d+)', text, re.M)
             if name:
                 batches.append((name.group(1), int(total.group(1))))
+    expect(names, len(batches))
     return medians(batches, 'instructions')
 
 
@@ -108,8 +124,7 @@ def by_qemu(arguments):
         names = run(qemu_command(arguments, folder))
         with open(os.path.join(folder, 'out'), encoding='utf-8') as file:
             counts = [int(line) for line in file]
-    if len(names) != len(counts):
-        raise SystemExit(f'bench: {len(names)} regions, but {len(counts)} counts')
+    expect(names, len(counts))
     return medians(zip(names, counts), 'instructions')
 
 
@@ -124,21 +139,17 @@ def by_heap(arguments):
     return figures
 
 
-def merged(first, second):
-    figures = {}
-    for subject, found in first.items():
-        figures[subject] = {**found, **second[subject]}
+def counts(arch, client, file, batches, subjects='all', heap_subjects=None):
+    """What is in `heap_subjects` alone has no instructions."""
+    arguments = (arch, client, file, batches, subjects)
+    figures = by_callgrind(arguments) if arch == 'amd64' else by_qemu(arguments)
+    for subject, found in by_heap((arch, client, file, 1, heap_subjects or subjects)).items():
+        figures[subject] = {**figures.get(subject, {}), **found}
     return figures
 
 
-def counts(arch, client, file, batches, subjects='all'):
-    arguments = (arch, client, file, batches, subjects)
-    instructions = by_callgrind(arguments) if arch == 'amd64' else by_qemu(arguments)
-    return merged(instructions, by_heap((arch, client, file, 1, subjects)))
-
-
 def times(file, repetitions, only='.'):
-    """times[client][subject]: the quartiles of one run in nanoseconds, the least, and the least
+    """times[client][subject]: the quartiles of one run in nanoseconds, and then those of the time
     that the client itself had the processor."""
     with tempfile.TemporaryDirectory() as folder:
         out = os.path.join(folder, 'times.json')
@@ -150,20 +161,19 @@ def times(file, repetitions, only='.'):
         if entry['run_type'] == 'iteration':
             subject, client = entry['run_name'].split('/')[:2]
             samples.setdefault(client, {}).setdefault(subject, []).append(entry)
-    return {client: {subject: summary(entries) for subject, entries in subjects.items()}
+    return {client: {subject: quartiles(entries, 'real_time') + quartiles(entries, 'cpu_time')
+                     for subject, entries in subjects.items()}
             for client, subjects in samples.items()}
 
 
-def summary(entries):
-    taken = [entry['real_time'] for entry in entries]
-    return statistics.quantiles(taken, n=4) + [min(taken),
-                                                min(entry['cpu_time'] for entry in entries)]
+def quartiles(entries, field):
+    return statistics.quantiles([entry[field] for entry in entries], n=4)
 
 
 def add_decoding(figures):
     """The library's decoding is what its poll takes beyond a GET of the same body."""
     library = figures['library']
-    for number in ['1', '100', '1000', '10000']:
+    for number in POLLS:
         poll, reply = library.get('poll-' + number), library.get('reply-' + number)
         if poll and reply:
             library['decode-' + number] = {

@@ -3,14 +3,23 @@
 import textwrap
 
 import goals
-from measure import TITLES
+from measure import PEERS, POLLS, TITLES
 
-PEERS = ['library', 'bare', 'curlpp', 'poco', 'httplib', 'beast']
-LARGE = [name for name in TITLES if not name.startswith(('poll-', 'threads-')) and name != 'get']
+# Of a body of a few bytes, copies are no measure.
+WITH_BODY = [name for name in TITLES if name != 'get' and not name.startswith('threads-')]
+WHO = {'bare': 'by hand', 'file': 'by hand, file by mkstemp()', 'contract': 'by hand as the contract has it'}
+UPLOADS = [(name, client) for name in ['upload-1kb', 'upload-1mb']
+           for client in ['bare', 'file', 'contract', 'library']]
+LOCAL = [('hardware-read', 'bare'), ('hardware-read', 'contract'), ('hardware-read', 'library'),
+         ('hardware-write', 'bare'), ('hardware-write', 'library')]
+LOCAL += [(name, client) for name in ['encode-plain', 'encode-worst']
+          for client in ['bare', 'curlpp', 'poco', 'contract', 'library']]
+LOCAL_TITLES = {'hardware-read': 'hardware list read', 'hardware-write': 'hardware list written',
+                'encode-plain': '1 KB that needs no escape', 'encode-worst': '1 KB of escapes'}
 
 
 def wrapped(text):
-    return textwrap.wrap(text, 100, break_on_hyphens=False)
+    return '\n'.join(textwrap.wrap(text, 100, break_on_hyphens=False))
 
 
 def table(head, rows):
@@ -23,6 +32,10 @@ def duration(nanoseconds):
         if nanoseconds >= size:
             return f'{nanoseconds / size:.3g} {unit}'
     return f'{nanoseconds:.0f} ns'
+
+
+def spread(times):
+    return f'{duration(times[1])} ({duration(times[0])} to {duration(times[2])})'
 
 
 def number(value):
@@ -41,13 +54,24 @@ def goals_table(figures):
 def goal_pairs(figures):
     """Every goal for amd64 with the same one for armhf, if that is for armhf too."""
     counted = zip(goals.counted_goals(figures['amd64']), goals.counted_goals(figures['armhf']))
-    return list(counted) + [(goal, None) for goal in goals.timed_goals(figures)]
+    return list(counted) + [(goal, None) for goal in goals.timed_goals(figures['close_times'])]
+
+
+def close_times(times):
+    """What the goals of time are made of."""
+    rows = []
+    for client in ['library', 'bare']:
+        upload, load = times[client]['upload-file'], times[client]['load']
+        rows += [[f'{client}: upload of a 1 GiB file, by the clock', spread(upload[:3])],
+                 [f'{client}: the same, processor time', spread(upload[3:])],
+                 [f'{client}: loading, processor time', spread(load[:3])]]
+    return table(['Time', 'median, with quartiles'], rows)
 
 
 def over_bare(figures):
     rows = []
     for name, title in TITLES.items():
-        if name in figures['bare']:
+        if 'instructions' in figures['bare'][name]:
             bare = figures['bare'][name]['instructions']
             rows.append([title] + [f'{figures[client][name]["instructions"] / bare:.3f}'
                                    for client in PEERS] + [number(bare)])
@@ -57,10 +81,9 @@ def over_bare(figures):
 def times_over_bare(times):
     rows = []
     for name, title in TITLES.items():
-        bare = times['bare'][name][1]
-        rows.append([title] + [f'{times[client][name][1] / bare:.2f}' for client in PEERS] +
-                    [f'{duration(bare)} ({duration(times["bare"][name][0])} to '
-                     f'{duration(times["bare"][name][2])})'])
+        bare = times['bare'][name]
+        rows.append([title] + [f'{times[client][name][1] / bare[1]:.2f}' for client in PEERS] +
+                    [spread(bare)])
     return table(['Exchange'] + PEERS + ['bare, with quartiles'], rows)
 
 
@@ -68,73 +91,46 @@ def absolute(figures, field):
     scale = 1024 if field == 'peak' else 1
     return table(['Exchange'] + PEERS,
                  [[title] + [number(figures[client][name][field] / scale) for client in PEERS]
-                  for name, title in TITLES.items() if name in figures['bare']])
+                  for name, title in TITLES.items()])
 
 
 def copied(figures):
     return table(['Exchange'] + PEERS,
                  [[TITLES[name]] + [f'{figures[client][name]["copied"] / figures[client][name]["body"]:.2f}'
-                                    for client in PEERS] for name in LARGE])
+                                    for client in PEERS] for name in WITH_BODY])
 
 
-def uploads(figures, times):
+def beside_bare(figures, listed, times=None):
+    """All figures of some clients' subjects, the first two over those of bare."""
     rows = []
-    for name in ['upload-1kb', 'upload-1mb']:
-        for client, who in [('bare', 'by hand, from memory'), ('file', 'by hand, file by mkstemp()'),
-                            ('contract', "by hand, the framework's file"), ('library', 'library')]:
-            found, bare = figures[client][name], figures['bare'][name]
-            rows.append([f'{TITLES[name]}, {who}',
-                         f'{found["instructions"] / bare["instructions"]:.3f}',
-                         f'{times[client][name][1] / times["bare"][name][1]:.2f}',
-                         number(found['allocations']), number(found['peak'] / 1024),
-                         f'{found["copied"] / found["body"]:.2f}'])
-    return table(['Upload', 'instructions', 'time', 'allocations', 'peak heap, KiB',
-                  'bytes copied for one'], rows)
+    for name, client in listed:
+        found, bare = figures[client][name], figures['bare'][name]
+        title = {**TITLES, **LOCAL_TITLES}[name]
+        row = [f'{title}, {WHO.get(client, client)}',
+               f'{found["instructions"] / bare["instructions"]:.3f}']
+        if times:
+            row.append(f'{times[client][name][1] / times["bare"][name][1]:.2f}')
+        rows.append(row + [number(found['instructions']), number(found['allocations']),
+                           f'{found["peak"] / 1024:,.1f}', f'{found["copied"] / found["body"]:.2f}'])
+    return table(['Work', 'instructions over by hand'] + (['time over by hand'] if times else []) +
+                 ['instructions', 'allocations', 'peak heap, KiB', 'bytes copied for one'], rows)
 
 
-def decoded(figures, count):
-    """Instructions of decoding by the library, by hand from one parse, and as the contract has it."""
-    parse = figures['bare']['parse-' + count]['instructions']
-    return [f'{figures[client]["decode-" + count]["instructions"] / parse:.2f}'
-            for client in ['library', 'contract', 'bare']] + [number(parse)]
-
-
-def decoding(figures):
+def decoding(figures, times=None):
+    """Decoding over one parse by the library, by hand as the contract has it, and by hand."""
     rows = []
-    for count in goals.POLLS:
-        rows.append([f'{int(count):,}'] + decoded(figures, count) + [
-            number(figures['library']['decode-' + count]['allocations']),
-            number(figures['bare']['parse-' + count]['allocations'])])
-    return table(['Commands', 'instructions: library', 'by hand, each item as text again',
-                  'by hand from one parse', 'of one parse', 'allocations: library', 'one parse'],
-                 rows)
-
-
-def contract_of_armhf(figures):
-    rows = [['decoding of ' + f'{int(count):,}'] + decoded(figures, count)
-            for count in goals.POLLS]
-    for name in ['upload-1kb', 'upload-1mb']:
-        bare = figures['bare'][name]['instructions']
-        rows.append([TITLES[name]] +
-                    [f'{figures[client][name]["instructions"] / bare:.2f}'
-                     for client in ['library', 'contract', 'bare']] + [number(bare)])
-    return table(['Figure', 'library', 'by hand as the contract has it', 'by hand', 'of one parse, or of bare'],
-                 rows)
-
-
-def local(figures, times):
-    rows = []
-    for name, title in [('hardware-read', 'hardware list read'),
-                        ('hardware-write', 'hardware list written'),
-                        ('encode-plain', 'EncodeURL, plain'), ('encode-worst', 'EncodeURL, worst')]:
-        library, bare = figures['library'][name], figures['bare'][name]
-        contract = figures['contract'].get(name, bare)
-        rows.append([title, f'{library["instructions"] / bare["instructions"]:.2f}',
-                     f'{contract["instructions"] / bare["instructions"]:.2f}',
-                     number(bare['instructions']),
-                     f'{times["library"][name][1] / times["bare"][name][1]:.2f}',
-                     duration(times['bare'][name][1]), number(library['allocations']),
-                     number(contract['allocations']), number(bare['allocations'])])
-    return table(['Work', 'instructions: library', 'by hand as the contract has it', 'by hand',
-                  'time: library', 'by hand', 'allocations: library',
-                  'by hand as the contract has it', 'by hand'], rows)
+    for count in POLLS:
+        name, parse = f'decode-{count}', figures['bare'][f'parse-{count}']
+        clients = ['library', 'contract', 'bare']
+        row = [f'{int(count):,}'] + [f'{figures[client][name]["instructions"] / parse["instructions"]:.2f}'
+                                     for client in clients] + [number(parse['instructions'])]
+        row += [number(figures[client][name]['allocations']) for client in clients]
+        row.append(number(parse['allocations']))
+        if times:
+            library = times['library'][f'poll-{count}'][1] - times['library'][f'reply-{count}'][1]
+            parse_time = times['bare'][f'parse-{count}'][1]
+            row += [f'{library / parse_time:.2f}', duration(parse_time)]
+        rows.append(row)
+    head = ['library', 'as the contract has it', 'by hand', 'one parse']
+    return table(['Commands'] + [f'instructions: {head[0]}'] + head[1:] + [f'allocations: {head[0]}'] +
+                 head[1:] + ([f'time: {head[0]}', head[3]] if times else []), rows)

@@ -29,13 +29,13 @@ void BeginRegion() {
 void EndRegion(const char* name) {
     syscall(SYS_getpriority, markerWhich, 1);
     CALLGRIND_DUMP_STATS_AT(name);
-    std::cout << name;
-    if (BenchStop != nullptr) {
-        const BenchCounts counts = BenchStop();
-        std::cout << " " << counts.allocations << " " << counts.peak << " " << counts.copied << " "
-                  << counts.descriptors;
+    if (BenchStop == nullptr) {
+        std::cout << name << std::endl;
+        return;
     }
-    std::cout << std::endl;
+    const BenchCounts counts = BenchStop();
+    std::cout << name << " " << counts.allocations << " " << counts.peak << " " << counts.copied
+              << " " << counts.descriptors << std::endl;
 }
 
 } // namespace Bench

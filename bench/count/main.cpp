@@ -17,8 +17,6 @@ using namespace Brenmoor::TavoRemotingLib::Bench;
 
 namespace {
 
-/// What takes seconds needs no warming, and what allocations take does not matter there.
-constexpr std::size_t largeBody = 50000000;
 /// For subjects that take long; what allocations take matters little there.
 constexpr int fewBatches = 3;
 

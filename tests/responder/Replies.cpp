@@ -80,5 +80,12 @@ const std::string& ReplyTo(const std::string& target) {
     return found != made.end() ? found->second : made.emplace(target, Make(target)).first->second;
 }
 
+std::size_t LeastBody(const std::string& target) {
+    const std::string id = Parameter(target, "id");
+    const bool tells =
+        target.compare(0, 5, "POST ") == 0 && id.compare(0, 1, "P") == 0 && IsNumber(id.substr(1));
+    return tells ? std::stoul(id.substr(1)) : 0;
+}
+
 } // namespace TavoRemotingLib
 } // namespace Brenmoor

@@ -14,5 +14,9 @@ namespace TavoRemotingLib {
 ///   - id=refused: the same with a status line that is not OK
 const std::string& ReplyTo(const std::string& target);
 
+/// How many bytes the body of a request has at least whose first line is `target`: what the id of a
+/// POST tells behind a P.
+std::size_t LeastBody(const std::string& target);
+
 } // namespace TavoRemotingLib
 } // namespace Brenmoor

@@ -5,6 +5,7 @@
 
 #include "Replies.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -54,31 +55,33 @@ bool ReadHead(int connection, std::vector<char>& buffer, std::string& request, s
     return true;
 }
 
-/// Reads and forgets a body of which `rest` has arrived already.
-void SkipBody(int connection, std::vector<char>& buffer, std::size_t length, std::size_t rest) {
-    while (rest < length) {
-        const ssize_t count = read(connection, buffer.data(), buffer.size());
-        if (count <= 0) {
-            return;
-        }
+/// Reads and forgets a body of which `rest` has arrived already; how much of it has in the end.
+std::size_t SkipBody(int connection, std::vector<char>& buffer, std::size_t length,
+                     std::size_t rest) {
+    ssize_t count = 1;
+    while (rest < length && (count = read(connection, buffer.data(), buffer.size())) > 0) {
         rest += static_cast<std::size_t>(count);
     }
+    return rest;
 }
 
 /// The same for a body in chunks, which is taken to end where its last chunk's text does.
-void SkipChunks(int connection, std::vector<char>& buffer, std::string tail) {
+std::size_t SkipChunks(int connection, std::vector<char>& buffer, std::string tail) {
     static const std::string last = "0\r\n\r\n";
+    std::size_t arrived = tail.size();
     while (tail.size() < last.size() ||
            tail.compare(tail.size() - last.size(), tail.npos, last) != 0) {
         const ssize_t count = read(connection, buffer.data(), buffer.size());
         if (count <= 0) {
-            return;
+            return 0;
         }
         tail.erase(0, tail.size() - std::min(tail.size(), last.size()));
         const auto size = static_cast<std::size_t>(count);
         const std::size_t kept = std::min(size, last.size());
         tail.append(buffer.data() + size - kept, kept);
+        arrived += size;
     }
+    return arrived;
 }
 
 void Answer(int connection, std::vector<char>& buffer) {
@@ -92,14 +95,20 @@ void Answer(int connection, std::vector<char>& buffer) {
     if (head.find("\r\nExpect: 100-continue") != head.npos) {
         Send(connection, "HTTP/1.1 100 Continue\r\n\r\n");
     }
-    const std::size_t length = head.find(lengthKey);
-    if (length != head.npos) {
-        SkipBody(connection, buffer, std::stoul(head.substr(length + lengthKey.size())),
-                 request.size() - end);
+    const std::size_t key = head.find(lengthKey);
+    std::size_t length = 0;
+    std::size_t arrived = request.size() - end;
+    if (key != head.npos) {
+        length = std::stoul(head.substr(key + lengthKey.size()));
+        arrived = SkipBody(connection, buffer, length, arrived);
     } else if (head.find("\r\nTransfer-Encoding: chunked") != head.npos) {
-        SkipChunks(connection, buffer, request.substr(end));
+        arrived = SkipChunks(connection, buffer, request.substr(end));
     }
-    Send(connection, Brenmoor::TavoRemotingLib::ReplyTo(head.substr(0, head.find("\r\n"))));
+    // Without a reply, an upload that lacks something is a failure to the one who made it.
+    const std::string target = head.substr(0, head.find("\r\n"));
+    if (arrived >= std::max(length, Brenmoor::TavoRemotingLib::LeastBody(target))) {
+        Send(connection, Brenmoor::TavoRemotingLib::ReplyTo(target));
+    }
 }
 
 void Serve(int listener) {
