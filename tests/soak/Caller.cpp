@@ -1,5 +1,10 @@
 #include "Caller.h"
 
+#include "FaultyServer.h"
+#include "faults/Fault.h"
+#include "support/FaultsUntilLimit.h"
+
+#include <algorithm>
 #include <fcntl.h>
 #include <fstream>
 #include <thread>
@@ -24,6 +29,16 @@ std::vector<Testing::Operation> AllOperations() {
     return operations;
 }
 
+std::vector<std::string> PlayedFaults() {
+    std::vector<std::string> names;
+    for (const TavoSimulator::Fault& fault : TavoSimulator::FaultCatalogue()) {
+        if (!Testing::EndsWithTheLimit(fault.name)) {
+            names.emplace_back(fault.name);
+        }
+    }
+    return names;
+}
+
 std::string MakeFile(const std::string& path) {
     std::ofstream(path) << "{\"description\": \"" << std::string(3000, 'x') << "\"}";
     return path;
@@ -33,7 +48,8 @@ std::string MakeFile(const std::string& path) {
 
 Caller::Caller(const std::string& server, const std::string& theFolder, std::string theLeft)
     : folder(theFolder), left(std::move(theLeft)), file(MakeFile(folder + "/sent.json")),
-      operations(AllOperations()), client(server, logger, false) {}
+      operations(AllOperations()), faults(PlayedFaults()), met(operations.size() * faults.size()),
+      client(server, logger, false) {}
 
 void Caller::Call(unsigned long calls, unsigned threads) {
     const unsigned long end = next + calls;
@@ -52,12 +68,24 @@ void Caller::Call(unsigned long calls, unsigned threads) {
 }
 
 void Caller::CallOnce(unsigned long number) {
+    const std::size_t operation = number % operations.size();
+    const std::size_t fault = number / faultPeriod / operations.size() % faults.size();
+    const bool isStruck = number % faultPeriod == 0;
+    if (isStruck) {
+        ++struck;
+        met[operation * faults.size() + fault] = true;
+    }
     try {
-        operations[number % operations.size()].call(client, "P1", file);
+        operations[operation].call(client, isStruck ? faults[fault] : FaultyServer::healthyPayload,
+                                   file);
     } catch (const std::exception&) {
-        ++failures;
+        ++(isStruck ? failures : unexplained);
     }
     Leave(number);
+}
+
+std::size_t Caller::PairsMet() const {
+    return static_cast<std::size_t>(std::count(met.begin(), met.end(), true));
 }
 
 void Caller::Leave(unsigned long number) const {

@@ -2,12 +2,10 @@
 
 #include "faults/Fault.h"
 #include "faults/SocketLine.h"
-#include "support/FaultsUntilLimit.h"
 
 #include <Poco/Exception.h>
 #include <Poco/Net/ServerSocket.h>
 #include <Poco/Net/StreamSocket.h>
-#include <atomic>
 #include <csignal>
 #include <cstdlib>
 #include <istream>
@@ -35,16 +33,6 @@ constexpr double pauseScale = 0.001;
 constexpr char pollBody[] =
     R"({"commands": [{"id": "P1", "command": "'t1' go"}, {"id": "P1", "command": "file:'t2' f"}],)"
     R"( "gps": {"latitude": 59.9, "longitude": 10.7, "timeFix": 1700000000}, "shutdown": true})";
-
-std::vector<const Fault*> PlayedFaults() {
-    std::vector<const Fault*> faults;
-    for (const Fault& fault : TavoSimulator::FaultCatalogue()) {
-        if (!Testing::EndsWithTheLimit(fault.name)) {
-            faults.push_back(&fault);
-        }
-    }
-    return faults;
-}
 
 /// A request's body as it comes, and no further, since nobody sends anything behind it.
 class Body : public std::streambuf {
@@ -95,9 +83,19 @@ std::size_t BodyLength(const std::string& head) {
     return at == std::string::npos ? 0 : std::stoul(head.substr(at + name.size()));
 }
 
-void Answer(Poco::Net::StreamSocket& socket, const Fault* fault) {
+/// Returns the first identifier; none of them needs encoding.
+std::string PayloadId(const std::string& head) {
+    const std::string name = "&id=";
+    const std::size_t begin = head.find(name) + name.size();
+    return head.substr(begin, head.find_first_of("& ", begin) - begin);
+}
+
+void Answer(Poco::Net::StreamSocket& socket) {
     std::string rest;
     const std::string head = ReadHead(socket, rest);
+    const std::string id = PayloadId(head);
+    const Fault* const fault =
+        id == FaultyServer::healthyPayload ? nullptr : &TavoSimulator::FindFault(id);
     Reply reply = TavoSimulator::Ok();
     if (head.find("op=poll&") != std::string::npos) {
         reply.type = "application/json";
@@ -116,7 +114,7 @@ void Answer(Poco::Net::StreamSocket& socket, const Fault* fault) {
         line.ReadBody();
     }
     if (fault != nullptr) {
-        fault->play(line, {reply, "P1"});
+        fault->play(line, {reply, id});
     } else {
         line.Send("HTTP/1.1 200 OK\r\nContent-Type: " + reply.type + "\r\nContent-Length: " +
                   std::to_string(reply.body.size()) + "\r\nConnection: close\r\n\r\n" + reply.body);
@@ -124,14 +122,10 @@ void Answer(Poco::Net::StreamSocket& socket, const Fault* fault) {
 }
 
 void Serve(Poco::Net::ServerSocket& listener) {
-    static const std::vector<const Fault*> faults = PlayedFaults();
-    static std::atomic<unsigned long> connections{0};
     for (;;) {
         Poco::Net::StreamSocket socket = listener.acceptConnection();
-        const unsigned long number = ++connections;
-        const unsigned long turn = number / FaultyServer::faultPeriod % faults.size();
         try {
-            Answer(socket, number % FaultyServer::faultPeriod == 0 ? faults[turn] : nullptr);
+            Answer(socket);
         } catch (const TavoSimulator::Line::Ended&) {
         } catch (const Poco::Exception&) {
         }

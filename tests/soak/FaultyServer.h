@@ -7,12 +7,12 @@ namespace Brenmoor {
 namespace TavoRemotingLib {
 namespace Soak {
 
-/// A payload server in a process of its own, so that it holds nothing of the watched one. One reply
-/// in `faultPeriod` goes wrong, in each of the simulator's ways in turn but those which only the
-/// client's time limit ends.
+/// A payload server in a process of its own, so that it holds nothing of the watched one. A payload
+/// whose identifier is the name of one of the simulator's faults gets that, and `healthyPayload` a
+/// good reply.
 class FaultyServer {
 public:
-    static constexpr unsigned long faultPeriod = 16;
+    static constexpr const char* healthyPayload = "P1";
 
     /// Start it before any thread.
     FaultyServer();

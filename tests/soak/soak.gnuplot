@@ -9,7 +9,7 @@ set tics nomirror
 set lmargin 12
 set rmargin 26
 set format x "%.0s%c"
-set multiplot layout 4,1 title "The client, called again and again, with a fault in each 16th reply"
+set multiplot layout 4,1 title "The client, called again and again, with a fault in each 17th reply"
 set yrange [0:*]
 set ylabel "KiB"
 plot table every ::1 using 1:($7/1024) with lines lw 2 lc rgb "#0072b2" title "heap in use"
