@@ -8,6 +8,7 @@
 #include <fcntl.h>
 #include <fstream>
 #include <thread>
+#include <unistd.h>
 
 namespace Brenmoor {
 namespace TavoRemotingLib {
@@ -97,6 +98,8 @@ void Caller::Leave(unsigned long number) const {
         lost = new char[100];
     } else if (left == "descriptor") {
         open("/dev/null", O_RDONLY | O_CLOEXEC);
+    } else if (left == "thread") {
+        std::thread(pause).detach();
     } else {
         MakeFile(folder + "/tmp/left" + std::to_string(number));
     }

@@ -24,7 +24,7 @@ public:
     static constexpr unsigned long faultPeriod = 17;
 
     /// What each call leaves behind on purpose, to show that it is seen: nothing, "memory", a
-    /// "descriptor", or a temporary "file".
+    /// "descriptor", a "thread", or a temporary "file".
     Caller(const std::string& server, const std::string& folder, std::string left);
 
     /// Calls so often, by so many threads, and returns when all of them have ended.

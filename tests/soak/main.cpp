@@ -98,10 +98,10 @@ int Run(unsigned long calls, unsigned threads, const std::string& folder, const 
 } // namespace TavoRemotingLib
 } // namespace Brenmoor
 
-// Usage: tavo_soak CALLS THREADS FOLDER [memory|descriptor|file]
+// Usage: tavo_soak CALLS THREADS FOLDER [memory|descriptor|thread|file]
 int main(int count, char** arguments) {
     if (count < 4 || std::stoul(arguments[1]) < 1000) {
-        std::cerr << "usage: tavo_soak CALLS THREADS FOLDER [memory|descriptor|file]\n"
+        std::cerr << "usage: tavo_soak CALLS THREADS FOLDER [memory|descriptor|thread|file]\n"
                      "at least 1000 calls\n";
         return 2;
     }
