@@ -24,8 +24,6 @@ namespace {
 constexpr unsigned long samples = 200;
 /// Arenas, the C library's and libcurl's own tables: all are there after a twentieth.
 constexpr unsigned long warmUp = samples / 20;
-/// Beyond what was held until then.
-constexpr std::size_t heapMargin = 4096;
 
 bool Expect(bool good, const std::string& what) {
     if (!good) {
@@ -47,7 +45,7 @@ bool IsFlat(const std::vector<Holdings>& all) {
         flat = Expect(all[i].descriptors == first.descriptors, "descriptors are left" + at) &&
                Expect(all[i].threads == 1, "threads are left" + at) &&
                Expect(all[i].temporaryFiles == 0, "temporary files are left" + at) &&
-               Expect(all[i].heapBytes <= heapBefore + heapMargin, "memory is lost" + at);
+               Expect(all[i].heapBytes <= heapBefore, "memory is lost" + at);
     }
     return flat;
 }
