@@ -86,10 +86,29 @@ TEST_F(ProcessTest, ContentBeyondTheLimitOfAFileIsRefusedAndTheNextUploadWorks) 
     EXPECT_EQ(server.Requests().size(), 3U);
 }
 
+bool Write(const std::string& path, const std::string& text) {
+    return (std::ofstream(path) << text << std::flush).good();
+}
+
+/// Lets a user mount. One that is in no map cannot create files.
+bool BecomeMounter() {
+    const std::string user = std::to_string(geteuid());
+    const std::string group = std::to_string(getegid());
+    return unshare(CLONE_NEWUSER) == 0 && Write("/proc/self/setgroups", "deny") &&
+           Write("/proc/self/uid_map", user + " " + user + " 1") &&
+           Write("/proc/self/gid_map", group + " " + group + " 1");
+}
+
+/// Mounts a disk that no other process sees.
+bool MountDisk(const std::string& folder) {
+    return (geteuid() == 0 || BecomeMounter()) && unshare(CLONE_NEWNS) == 0 &&
+           mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
+           mount("disk", folder.c_str(), "tmpfs", 0, "size=8k") == 0;
+}
+
 /// What a process finds that has a disk of its own for its temporary files, which is full.
 int UploadToFullDisk(HalcyrREST& client, const std::string& folder) {
-    const int spaces = CLONE_NEWNS | (geteuid() == 0 ? 0 : CLONE_NEWUSER);
-    if (unshare(spaces) != 0 || mount("disk", folder.c_str(), "tmpfs", 0, "size=8k") != 0) {
+    if (!MountDisk(folder)) {
         return 77;
     }
     try {
