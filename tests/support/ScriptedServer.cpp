@@ -68,6 +68,10 @@ Step Pause(std::chrono::milliseconds time) {
     return {Step::Kind::Pause, {}, time};
 }
 
+Step PauseUntil(std::chrono::milliseconds time) {
+    return {Step::Kind::PauseUntil, {}, time};
+}
+
 Step Hold() {
     return {Step::Kind::Hold};
 }
@@ -191,6 +195,12 @@ bool ScriptedServer::Do(const Step& step, int connection, std::size_t index) {
     case Step::Kind::Pause:
         WaitUntil(-1, 0, static_cast<int>(step.time.count()));
         return true;
+    case Step::Kind::PauseUntil: {
+        const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
+            begin + step.time - std::chrono::steady_clock::now());
+        WaitUntil(-1, 0, std::max(static_cast<int>(left.count()), 0));
+        return true;
+    }
     case Step::Kind::Hold:
         return WaitUntil(release[0], POLLIN, -1);
     case Step::Kind::Stall:

@@ -14,7 +14,18 @@ namespace Testing {
 
 /// One thing that a ScriptedServer does on a connection.
 struct Step {
-    enum class Kind { ReadHead, ReadRequest, Send, Flood, Pause, Hold, Stall, HalfClose, Reset };
+    enum class Kind {
+        ReadHead,
+        ReadRequest,
+        Send,
+        Flood,
+        Pause,
+        PauseUntil,
+        Hold,
+        Stall,
+        HalfClose,
+        Reset
+    };
 
     Kind kind;
     std::string bytes = {};
@@ -32,6 +43,8 @@ Step Send(std::string bytes);
 Step Flood(std::string bytes);
 /// Waits for that long, or until the server is destroyed.
 Step Pause(std::chrono::milliseconds time);
+/// Waits until that long after the server was constructed, or until it is destroyed.
+Step PauseUntil(std::chrono::milliseconds time);
 /// Waits for the server's Release(), or until it is destroyed.
 Step Hold();
 /// Does nothing until the client closes the connection or the server is destroyed.
@@ -89,6 +102,7 @@ private:
     bool WaitUntil(int descriptor, short events, int timeoutMs) const;
 
     const std::vector<Script> scripts;
+    const std::chrono::steady_clock::time_point begin = std::chrono::steady_clock::now();
     int listener;
     int stop[2];
     int release[2];
