@@ -39,7 +39,7 @@ TEST_F(SetBackClock, ByAnHourInBetweenIsNotNoticedByAnyOperation) {
 }
 
 /// All operations at once, while the clocks run fast.
-class Limits : public OperationsTest {
+class TimeLimits : public OperationsTest {
 protected:
     struct Outcome {
         std::string name;
@@ -83,7 +83,7 @@ protected:
 /// A minute takes two seconds.
 constexpr int fast = 30;
 
-TEST_F(Limits, SilentServerEndsEveryOperationAfter301Seconds) {
+TEST_F(TimeLimits, SilentServerEndsEveryOperationAfter301Seconds) {
     const Clocks clocks(fast);
     for (const Outcome& outcome : CallAll([](const Operation&) {
              return Script{ReadRequest(), Stall()};
@@ -94,7 +94,7 @@ TEST_F(Limits, SilentServerEndsEveryOperationAfter301Seconds) {
     }
 }
 
-TEST_F(Limits, ReplyThatDripsUpToTheLimitArrives) {
+TEST_F(TimeLimits, ReplyThatDripsUpToTheLimitArrives) {
     // A machine that stops for a second at the end does no harm.
     const Clocks clocks(20);
     for (const Outcome& outcome : CallAll([](const Operation& operation) {
@@ -111,7 +111,7 @@ TEST_F(Limits, ReplyThatDripsUpToTheLimitArrives) {
     }
 }
 
-TEST_F(Limits, ReplyThatDripsBeyondTheLimitDoesNot) {
+TEST_F(TimeLimits, ReplyThatDripsBeyondTheLimitDoesNot) {
     const Clocks clocks(fast);
     for (const Outcome& outcome : CallAll([](const Operation&) {
              Script script = {ReadRequest(), Send("HTTP/1.1 200 OK\r\nContent-Length: 99\r\n\r\n")};
@@ -127,7 +127,7 @@ TEST_F(Limits, ReplyThatDripsBeyondTheLimitDoesNot) {
     }
 }
 
-TEST_F(Limits, ConnectionThatIsNotMadeEndsEveryOperationAfterTenSeconds) {
+TEST_F(TimeLimits, ConnectionThatIsNotMadeEndsEveryOperationAfterTenSeconds) {
     const FullListener listener;
     const Clocks clocks(5);
     for (const Outcome& outcome :

@@ -21,7 +21,7 @@ namespace Testing {
 
 namespace {
 
-class ProcessTest : public OperationsTest {
+class Surroundings : public OperationsTest {
 protected:
     /// Expects a system error with that number whose text begins so, and that nothing was sent.
     template <typename Action>
@@ -36,7 +36,7 @@ protected:
     }
 };
 
-TEST_F(ProcessTest, With1024DescriptorsTakenEveryOperationWorks) {
+TEST_F(Surroundings, With1024DescriptorsTakenEveryOperationWorks) {
     for (const Operation& operation : Operations()) {
         const ScriptedServer server(Good(operation));
         const LowDescriptorsTaken taken;
@@ -44,7 +44,7 @@ TEST_F(ProcessTest, With1024DescriptorsTakenEveryOperationWorks) {
     }
 }
 
-TEST_F(ProcessTest, WithoutATemporaryFolderUploadsAreRefusedAndTheRestWorks) {
+TEST_F(Surroundings, WithoutATemporaryFolderUploadsAreRefusedAndTheRestWorks) {
     for (const Operation& operation : Operations()) {
         const ScriptedServer server(Good(operation));
         HalcyrREST client(server.Address(), logger, false);
@@ -62,7 +62,7 @@ TEST_F(ProcessTest, WithoutATemporaryFolderUploadsAreRefusedAndTheRestWorks) {
     }
 }
 
-TEST_F(ProcessTest, ContentBeyondTheLimitOfAFileIsRefusedAndTheNextUploadWorks) {
+TEST_F(Surroundings, ContentBeyondTheLimitOfAFileIsRefusedAndTheNextUploadWorks) {
     const ScriptedServer server(OkReply("OK"));
     HalcyrREST client(server.Address(), logger, false);
     const std::string large(10001, 'x');
@@ -126,7 +126,7 @@ int UploadToFullDisk(HalcyrREST& client, const std::string& folder) {
     return CountEntries(folder) == 0 ? 0 : 3;
 }
 
-TEST_F(ProcessTest, FullDiskRefusesAnUploadAndTakesTheNextThatFits) {
+TEST_F(Surroundings, FullDiskRefusesAnUploadAndTakesTheNextThatFits) {
 #ifdef TAVO_EMULATED
     GTEST_SKIP() << "an emulator is not forked";
 #endif
@@ -153,7 +153,7 @@ std::size_t AddressedBytes() {
     return pages * static_cast<std::size_t>(getpagesize());
 }
 
-TEST_F(ProcessTest, EndlessBodyEndsInAnExceptionWhenMemoryEnds) {
+TEST_F(Surroundings, EndlessBodyEndsInAnExceptionWhenMemoryEnds) {
 #ifdef TAVO_UNLIMITED_MEMORY
     GTEST_SKIP() << "the limit means nothing here";
 #endif
