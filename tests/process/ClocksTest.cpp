@@ -94,6 +94,25 @@ TEST_F(TimeLimits, SilentServerEndsEveryOperationAfter301Seconds) {
     }
 }
 
+TEST_F(TimeLimits, SilentServerEndsAPollAfterItsOwnTimeAnd61Seconds) {
+    const Operation poll = {"ShortPoll",
+                            "Poll",
+                            "poll",
+                            "",
+                            false,
+                            [](HalcyrREST& client, const std::string& id, const std::string&) {
+                                std::vector<std::string> ids = {id};
+                                HalcyrREST::ShutdownInfo shutdown;
+                                client.Poll(ids, nullptr, nullptr, &shutdown, 30000, 1);
+                            }};
+    const ScriptedServer server(Script{ReadRequest(), Stall()});
+    const Clocks clocks(fast);
+    const Outcome outcome = Call(poll, server.Address());
+    EXPECT_EQ(outcome.code, CURLE_OPERATION_TIMEDOUT);
+    EXPECT_GE(outcome.time, 90s);
+    EXPECT_LT(outcome.time, 290s);
+}
+
 TEST_F(TimeLimits, ReplyThatDripsUpToTheLimitArrives) {
     // A machine that stops for a second at the end does no harm.
     const Clocks clocks(20);
