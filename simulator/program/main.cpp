@@ -2,6 +2,7 @@
 #include "control/JournalFile.h"
 #include "model/World.h"
 #include "scenario/Player.h"
+#include "shared/StandardStreams.h"
 #include "wire/Server.h"
 
 #include <Poco/Exception.h>
@@ -144,6 +145,7 @@ int main(int count, char** arguments) {
         const ParsedOptions parsed = ParseOptions({arguments + 1, arguments + count});
         if (!parsed.error.empty()) {
             return Fail(parsed.error, ExitCode::BadOption);
+    Brenmoor::FillStandardStreams();
         }
         if (parsed.options.print.empty()) {
             return static_cast<int>(Serve(parsed.options));

@@ -2,9 +2,11 @@
 #include "support/ResourceLimit.h"
 
 #include <Poco/Net/ServerSocket.h>
+#include <algorithm>
 #include <csignal>
 #include <memory>
 #include <optional>
+#include <thread>
 
 namespace Brenmoor {
 namespace TavoSimulator {
@@ -77,6 +79,22 @@ TEST_F(ProcessTest, AnUploadThatNoFileMayHoldIsRefused) {
     process.Signal(SIGTERM);
     EXPECT_EQ(process.Wait(), 0);
     EXPECT_EQ(Entries(folder.path + "/data"), std::vector<std::string>{});
+}
+
+TEST_F(ProcessTest, NothingTakesThePlaceOfAMissingStandardStream) {
+    const std::string journal = folder.path + "/journal";
+    TavoRemotingLib::Testing::Program shell(TavoRemotingLib::Testing::Redirected(
+        ">&-", SIMULATOR_PATH, Arguments({"--journal", journal})));
+    while (!std::filesystem::exists(folder.path + "/port")) {
+        std::this_thread::yield();
+    }
+    const auto port = static_cast<std::uint16_t>(std::stoi(ReadFile(folder.path + "/port")));
+    EXPECT_EQ(Exchange(port, GetText("/xp?op=off&id=p1")), okReply);
+    shell.Signal(SIGTERM);
+    EXPECT_EQ(shell.Wait(), 0);
+    const std::string lines = ReadFile(journal);
+    EXPECT_EQ(std::count(lines.begin(), lines.end(), '\n'), 1) << lines;
+    EXPECT_EQ(ParsedJson(lines)["target"].asString(), "/xp?op=off&id=p1");
 }
 
 TEST_F(ProcessTest, HelpAndVersion) {

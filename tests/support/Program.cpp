@@ -58,6 +58,15 @@ std::vector<std::string> CommandOf(const std::string& path) {
     return words;
 }
 
+std::vector<std::string> Redirected(const std::string& redirections, const std::string& path,
+                                    const std::vector<std::string>& arguments) {
+    std::vector<std::string> words = {"bash", "-c", "exec \"$@\" " + redirections, "bash"};
+    for (const auto& more : {CommandOf(path), arguments}) {
+        words.insert(words.end(), more.begin(), more.end());
+    }
+    return words;
+}
+
 std::vector<std::string> Environment() {
     std::vector<std::string> variables;
     for (char** variable = environ; *variable != nullptr; ++variable) {

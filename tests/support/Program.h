@@ -12,6 +12,10 @@ namespace Testing {
 /// build.
 std::vector<std::string> CommandOf(const std::string& path);
 
+/// The words that start one with these arguments and a shell's redirections, as ">&-".
+std::vector<std::string> Redirected(const std::string& redirections, const std::string& path,
+                                    const std::vector<std::string>& arguments);
+
 /// Starts a program with these variables and these standard streams, of which -1 is the test's own.
 /// Its first word is looked for in PATH unless it is a path. Returns its process id.
 pid_t Spawn(std::vector<std::string> words, std::vector<std::string> variables,

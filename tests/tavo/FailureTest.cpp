@@ -166,12 +166,8 @@ TEST_F(FailureTest, AddressesThatLibcurlRefusesAreCode2) {
 
 TEST_F(FailureTest, NothingTakesThePlaceOfAMissingStandardStream) {
     const ScriptedServer server(OkReply("OK"));
-    std::string line;
-    for (const std::string& word : CommandOf(TAVO_PATH)) {
-        line += word + " ";
-    }
-    line += "off --trace -s " + server.Address() + " -i P1 <&- >&- 2>&-";
-    Program shell({"bash", "-c", line});
+    Program shell(Redirected("<&- >&- 2>&-", TAVO_PATH,
+                             {"off", "--trace", "-s", server.Address(), "-i", "P1"}));
     EXPECT_EQ(shell.Wait(), 6);
     EXPECT_EQ(server.OnlyRequest(), "GET /xp?op=off&id=P1 HTTP/1.1\r\nHost: " + server.Address() +
                                         "\r\nAccept: */*\r\n\r\n");

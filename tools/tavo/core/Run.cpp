@@ -4,9 +4,9 @@
 #include "core/Failure.h"
 #include "core/Help.h"
 #include "core/Session.h"
+#include "shared/StandardStreams.h"
 
 #include <csignal>
-#include <fcntl.h>
 #include <iostream>
 #include <unistd.h>
 
@@ -39,16 +39,6 @@ ExitCode Tell(Failure failure, const Command* command) {
     }
     std::cerr << Style(STDERR_FILENO).Red(name + ":") + " " + failure.Line() + "\n";
     return failure.code;
-}
-
-/// A file that is opened in the place of a missing standard stream would be taken for it. What
-/// takes the place here fails as the missing one would.
-void FillStandardStreams() {
-    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
-        if (fcntl(stream, F_GETFD) < 0) {
-            open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
-        }
-    }
 }
 
 } // namespace
