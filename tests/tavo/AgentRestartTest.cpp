@@ -1,4 +1,8 @@
+#include "agent/Journal.h"
+#include "core/Failure.h"
 #include "support/AgentTest.h"
+#include "support/ResourceLimit.h"
+#include "support/Throws.h"
 
 #include <algorithm>
 #include <csignal>
@@ -102,14 +106,39 @@ TEST_F(AgentRestartTest, AJournalDoesNotKeepAnswersThatWereTaken) {
 }
 
 TEST_F(AgentRestartTest, AJournalCutAtAnyByteLosesOnlyItsLastLine) {
-    const std::string whole = Line("received") + Line("started");
-    std::size_t answers = 0;
-    for (const std::size_t cut : {std::size_t{1}, Line("started").size() - 1}) {
-        WriteFile("journal", whole.substr(0, whole.size() - cut));
-        Start({}, append);
-        EXPECT_EQ(AwaitAnswers(++answers).back(), "t1: ran\n");
-        EXPECT_EQ(Stop().code, 0);
+    const std::string first = Line("received");
+    const std::string whole = first + Line("started");
+    for (std::size_t size = 0; size <= whole.size(); ++size) {
+        WriteFile("journal", whole.substr(0, size));
+        Journal journal(Path("journal"));
+        ASSERT_EQ(journal.Tasks().size(), size < first.size() ? 0U : 1U) << size;
+        if (size >= first.size()) {
+            EXPECT_EQ(journal.Tasks().front().state,
+                      size < whole.size() ? Task::State::Received : Task::State::Ended)
+                << size;
+        }
     }
+}
+
+TEST_F(AgentRestartTest, AJournalThatCannotBeReadIsNotReplaced) {
+    using namespace TavoRemotingLib::Testing;
+    const auto read = [](const std::string& path) {
+        return [path] {
+            const Journal journal(path);
+        };
+    };
+    WriteFile("journal", Line("received"));
+    {
+        // One descriptor is left, to open it for writing.
+        const int next = dup(STDIN_FILENO);
+        close(next);
+        const ResourceLimit limit(RLIMIT_NOFILE, static_cast<rlim_t>(next) + 1);
+        ExpectThrows<LocalError>(read(Path("journal")),
+                                 "cannot read '" + Path("journal") + "': Too many open files");
+    }
+    EXPECT_EQ(FileText("journal"), Line("received"));
+    ExpectThrows<LocalError>(read("/proc/self/mem"),
+                             "cannot read '/proc/self/mem': Input/output error");
 }
 
 TEST_F(AgentRestartTest, AnotherFileIsNotTakenForAJournal) {

@@ -167,6 +167,9 @@ void Journal::Load() {
         }
         Apply(line);
     }
+    if (!in.is_open() || in.bad()) {
+        throw FileError("read", path, errno); // to be replaced only once it is known
+    }
     for (Task& task : tasks) {
         if (task.state == Task::State::Started) {
             task.state = Task::State::Ended;
