@@ -1,4 +1,5 @@
 #include "support/AgentTest.h"
+#include "support/AwaitEnd.h"
 #include "support/Program.h"
 
 #include <chrono>
@@ -10,14 +11,7 @@ namespace Testing {
 
 namespace {
 
-class AgentHandlerTest : public AgentTest {
-protected:
-    /// Returns when nothing is left of the process group whose number the handler wrote to "ran".
-    void AwaitEndOfGroup() const {
-        while (kill(-std::stoi(FileText("ran")), 0) == 0) {
-        }
-    }
-};
+class AgentHandlerTest : public AgentTest {};
 
 TEST_F(AgentHandlerTest, GetsTheCommandInItsEnvironmentAndOnStandardInput) {
     Queue("it's", "two words; $HOME `x`\n");
@@ -83,7 +77,7 @@ TEST_F(AgentHandlerTest, OneThatHangsIsEndedWithItsChildren) {
     Start({"--handler-timeout", "1"}, "trap '' TERM; echo $$ >\"$0\"; sleep 1000 & sleep 1000");
     EXPECT_EQ(AwaitAnswers(1), Lines{"t1: [took longer than 1 s] (failed)"});
     EXPECT_EQ(Stop().code, 0);
-    AwaitEndOfGroup();
+    TavoRemotingLib::Testing::AwaitEnd(std::stoi(FileText("ran")));
 }
 
 TEST_F(AgentHandlerTest, OneThatLeftItsGroupIsEndedToo) {
@@ -138,7 +132,7 @@ TEST_F(AgentHandlerTest, AStopEndsItAndTheAnswerIsLeftToTheNextAgent) {
     const auto begin = std::chrono::steady_clock::now();
     EXPECT_EQ(Stop().code, 0);
     EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(3));
-    AwaitEndOfGroup();
+    TavoRemotingLib::Testing::AwaitEnd(std::stoi(FileText("ran")));
     EXPECT_EQ(simulator->Answers("P1"), Lines{});
     Start({}, "echo again");
     EXPECT_EQ(AwaitAnswers(1), Lines{"t1: [interrupted: the agent was stopped] (failed)"});

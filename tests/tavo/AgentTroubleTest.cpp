@@ -1,4 +1,5 @@
 #include "support/AgentTest.h"
+#include "support/AwaitEnd.h"
 #include "support/ScriptedServer.h"
 
 #include <chrono>
@@ -77,8 +78,7 @@ TEST_F(AgentTroubleTest, AStopDoesNotWaitForProgressAndLeavesNoHandler) {
           {"TMPDIR=" + Path("data")});
     silent.WaitForConnections(2);
     EXPECT_LT(TimeToStop(), seconds(3));
-    while (kill(std::stoi(FileText("ran")), 0) == 0) {
-    }
+    AwaitEnd(std::stoi(FileText("ran")));
 }
 
 } // namespace

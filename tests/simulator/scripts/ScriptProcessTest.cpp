@@ -1,3 +1,4 @@
+#include "support/AwaitEnd.h"
 #include "support/ProcessTest.h"
 
 #include <thread>
@@ -84,12 +85,7 @@ TEST_F(ScriptProcessTest, AStopKillsWhatRuns) {
     process.Signal(SIGTERM);
     EXPECT_EQ(process.Wait(), 0);
     EXPECT_LT(clock.Seconds(), 5);
-    const std::string id = ReadFile(folder.path + "/child");
-    const std::string state = "/proc/" + id.substr(0, id.size() - 1) + "/stat";
-    // It may be a zombie for as long as its new parent takes to notice.
-    for (std::string text = ReadFile(state); !text.empty() && text[text.rfind(')') + 2] != 'Z';) {
-        text = ReadFile(state);
-    }
+    TavoRemotingLib::Testing::AwaitEnd(std::stoi(ReadFile(folder.path + "/child")));
     EXPECT_EQ(process.Errors(), "");
 }
 

@@ -1,9 +1,9 @@
 #include "model/ScriptRun.h"
+#include "support/AwaitEnd.h"
 #include "support/Process.h"
 #include "support/Wire.h"
 
 #include <csignal>
-#include <thread>
 
 namespace Brenmoor {
 namespace TavoSimulator {
@@ -30,19 +30,6 @@ protected:
             return std::to_string(refusal.status) + " " + refusal.what();
         }
         return "";
-    }
-
-    /// Returns once the process that wrote its number to this file is no more.
-    void AwaitEndOf(const std::string& file) const {
-        const pid_t id = std::stoi(ReadFile(file));
-        // Killed, but still there until its parent, which may be the init process, has noticed.
-        for (;;) {
-            const std::string status = ReadFile("/proc/" + std::to_string(id) + "/stat");
-            if (status.empty() || status[status.rfind(')') + 2] == 'Z') {
-                return;
-            }
-            std::this_thread::yield();
-        }
     }
 
     const TempFolder folder;
@@ -130,7 +117,7 @@ TEST_F(ScriptRunTest, IsKilledWithItsChildrenAtTheTimeLimit) {
     EXPECT_EQ(run.output.substr(0, 6), "begun\n");
     EXPECT_FALSE(run.exitStatus);
     EXPECT_EQ(run.killed, "more than 0.3 seconds");
-    AwaitEndOf(folder.path + "/child");
+    TavoRemotingLib::Testing::AwaitEnd(std::stoi(ReadFile(folder.path + "/child")));
 }
 
 TEST_F(ScriptRunTest, IsKilledBeyondTheOutputLimit) {
@@ -159,7 +146,7 @@ TEST_F(ScriptRunTest, EndsWithTheScriptAndKillsWhatItLeavesBehind) {
     EXPECT_EQ(run.output, "done\n");
     EXPECT_EQ(run.exitStatus, 0);
     EXPECT_EQ(run.killed, "");
-    AwaitEndOf(folder.path + "/child");
+    TavoRemotingLib::Testing::AwaitEnd(std::stoi(ReadFile(folder.path + "/child")));
 }
 
 TEST_F(ScriptRunTest, ASignalsEndHasNoExitStatus) {
