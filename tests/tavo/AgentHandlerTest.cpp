@@ -3,7 +3,7 @@
 #include "support/Program.h"
 
 #include <chrono>
-#include <csignal>
+#include <sys/stat.h>
 
 namespace Brenmoor {
 namespace Tavo {
@@ -69,6 +69,24 @@ TEST_F(AgentHandlerTest, ALongOneTellsItsProgress) {
     }
     EXPECT_EQ(answers.front(), "t1: one\n (more follows)");
     EXPECT_EQ(answers.back(), "t1: two\n[exit code 1] (failed)");
+    EXPECT_EQ(Stop().code, 0);
+}
+
+TEST_F(AgentHandlerTest, ProgressThatTheServerDidNotTakeComesLater) {
+    simulator->Arm("status-500", "reply", 1);
+    Queue("t1");
+    ASSERT_EQ(mkfifo(Path("ran.go").c_str(), 0600), 0);
+    Start({"--progress-every", "1"}, "echo one; read -r line < \"$0.go\"; echo $line");
+    agent->AwaitErrors("no progress told: ");
+    WriteFile("ran.go", "two\n");
+    std::string text;
+    while (text.find("two") == std::string::npos) {
+        text.clear();
+        for (const std::string& answer : simulator->Answers("P1")) {
+            text += answer.substr(4, answer.find(" (more follows)") - 4);
+        }
+    }
+    EXPECT_EQ(text, "one\ntwo\n");
     EXPECT_EQ(Stop().code, 0);
 }
 

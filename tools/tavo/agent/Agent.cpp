@@ -154,8 +154,10 @@ void Agent::Handle(Task& task) {
         try {
             client.RespondToCommand(HalcyrREST::EncodeURL(command.id), command.tag, output, false,
                                     true);
+            return true;
         } catch (const std::exception& error) {
             Warn("no progress told: " + FailureOf(error, session.options.server).Line());
+            return false;
         }
     };
     const HandlerResult result = RunOrFail(call);

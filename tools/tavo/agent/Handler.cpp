@@ -237,9 +237,11 @@ HandlerResult RunHandler(const HandlerCall& call, const Signals& signals) {
         }
         call.alive();
         if (call.between.count() > 0 && !ending && now >= nextProgress) {
-            given += result.output.size();
-            call.progress(result.output);
-            result.output.clear();
+            // What was not taken is told again, or is in the answer.
+            if (call.progress(result.output)) {
+                given += result.output.size();
+                result.output.clear();
+            }
             nextProgress = Clock::now() + call.between;
         }
         auto next = ending ? *ending : begin + call.longest;

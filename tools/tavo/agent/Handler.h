@@ -19,7 +19,7 @@ struct HandlerCall {
     std::chrono::milliseconds longest{0};
     std::size_t mostOutput = 0;           ///< in bytes; what is more is read and dropped
     std::chrono::milliseconds between{0}; ///< between two calls of `progress`; 0 for none
-    std::function<void(const std::string& newOutput)> progress;
+    std::function<bool(const std::string& newOutput)> progress; ///< true when it is told
     std::function<void()> alive; ///< called at least twice a second while it runs
 };
 
