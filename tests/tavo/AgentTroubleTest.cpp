@@ -70,6 +70,16 @@ TEST_F(AgentTroubleTest, AStopDoesNotWaitForAPollThatIsHeldTooLong) {
     EXPECT_LT(TimeToStop(), seconds(3)) << "the poll's time is 1 s";
 }
 
+TEST_F(AgentTroubleTest, AHandlersTimeIsKeptWhileTheServerIsSilent) {
+    ScriptedServer silent({Reply(OkReply(command)), Script{ReadRequest(), Stall()}});
+    server = silent.Address();
+    Start({"--progress-every", "1", "--handler-timeout", "2"},
+          "trap '' TERM; echo $$ >\"$0\"; while :; do sleep 1; done", {"TMPDIR=" + Path("data")});
+    silent.WaitForConnections(2);
+    AwaitEnd(std::stoi(FileText("ran")));
+    EXPECT_EQ(Stop().code, 0);
+}
+
 TEST_F(AgentTroubleTest, AStopDoesNotWaitForProgressAndLeavesNoHandler) {
     ScriptedServer silent({Reply(OkReply(command)), Script{ReadRequest(), Stall()}});
     server = silent.Address();

@@ -214,7 +214,7 @@ ExitCode Agent::Answer(Task& task) {
 HandlerResult Agent::RunOrFail(const HandlerCall& call) const {
     try {
         return RunHandler(call, signals);
-    } catch (const LocalError& error) {
+    } catch (const std::exception& error) {
         Warn(error.what());
         HandlerResult result;
         result.output = std::string("[") + error.what() + "]";
@@ -241,7 +241,10 @@ void Agent::Away(const std::exception& error) {
         Warn(FailureOf(error, session.options.server).Line() + "; carrying on");
     }
     retrySeconds = Longer(retrySeconds, options.retryMost);
-    signals.Pause(std::chrono::seconds(retrySeconds));
+    for (long i = 0; i < retrySeconds && !signals.StopRequested(); ++i) {
+        NotifyManager("WATCHDOG=1");
+        signals.Pause(std::chrono::seconds(1));
+    }
 }
 
 void Agent::Well() {

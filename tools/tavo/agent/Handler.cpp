@@ -1,5 +1,6 @@
 #include "agent/Handler.h"
 
+#include "agent/TimeLimit.h"
 #include "core/Failure.h"
 
 #include <array>
@@ -23,7 +24,6 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 
-constexpr milliseconds grace(1000);
 constexpr milliseconds longestWait(500);
 
 class Descriptor {
@@ -100,7 +100,7 @@ std::vector<char*> Pointers(std::vector<std::string>& texts) {
 /// A program that runs, and the pipe from it.
 class Running {
 public:
-    Running(const HandlerCall& call, const Signals& theSignals) : signals(theSignals) {
+    Running(const HandlerCall& call, const Signals& theSignals) : Running(theSignals) {
         std::array<int, 2> ends{};
         if (pipe2(ends.data(), O_CLOEXEC) != 0) {
             throw FileError("make", "a pipe", errno);
@@ -111,34 +111,33 @@ public:
         const Descriptor input(InputFile(call.input));
         Spawn(call, input.number, writing.number);
         signals.Tell(id);
+        limit.emplace(id, call.longest);
     }
 
     Running(const Running&) = delete;
     Running& operator=(const Running&) = delete;
 
     ~Running() {
-        if (!status) {
-            Signal(SIGKILL);
+        limit.reset();
+        if (id > 0) {
+            SignalGroup(id, SIGKILL); // it, and whatever it left behind
+            signals.Tell(0);
             waitpid(id, nullptr, 0);
         }
-        Signal(SIGKILL); // whatever it left behind
-        signals.Tell(0);
     }
 
-    void Signal(int number) const {
-        kill(-id, number);
-        if (!status) {
-            kill(id, number); // it may have gone over to another group
-        }
+    void End() {
+        limit->EndNow();
     }
 
-    /// Its status once it has ended.
-    const std::optional<int>& Status() {
-        int now = 0;
-        if (!status && waitpid(id, &now, WNOHANG) == id) {
-            status = now;
-        }
-        return status;
+    /// Whether it has been told to end, since it took too long or by End.
+    bool IsEnding() const {
+        return limit->HasStruck();
+    }
+
+    /// How it ended, once it has.
+    std::optional<siginfo_t> Status() const {
+        return StatusOf(id);
     }
 
     /// Appends what can be read at once, but no more than `most` bytes in all. Returns how many
@@ -168,6 +167,8 @@ public:
     }
 
 private:
+    explicit Running(const Signals& theSignals) : signals(theSignals) {}
+
     void Spawn(const HandlerCall& call, int input, int writing) {
         posix_spawn_file_actions_t actions;
         posix_spawn_file_actions_init(&actions);
@@ -188,6 +189,7 @@ private:
         posix_spawnattr_destroy(&attributes);
         posix_spawn_file_actions_destroy(&actions);
         if (error != 0) {
+            id = -1;
             throw FileError("run", words.front(), error);
         }
     }
@@ -195,14 +197,14 @@ private:
     const Signals& signals;
     pid_t id = -1;
     Descriptor output{-1};
-    std::optional<int> status;
+    std::optional<TimeLimit> limit;
 };
 
-std::string HowItFailed(int status) {
-    if (WIFSIGNALED(status)) {
-        return "ended by signal " + std::to_string(WTERMSIG(status));
+std::string HowItFailed(const siginfo_t& end) {
+    if (end.si_code != CLD_EXITED) {
+        return "ended by signal " + std::to_string(end.si_status);
     }
-    return WEXITSTATUS(status) == 0 ? "" : "exit code " + std::to_string(WEXITSTATUS(status));
+    return end.si_status == 0 ? "" : "exit code " + std::to_string(end.si_status);
 }
 
 void AddLine(std::string& text, const std::string& line) {
@@ -216,27 +218,21 @@ void AddLine(std::string& text, const std::string& line) {
 HandlerResult RunHandler(const HandlerCall& call, const Signals& signals) {
     HandlerResult result;
     Running program(call, signals);
-    const auto begin = Clock::now();
-    std::optional<Clock::time_point> ending;
-    auto nextProgress = begin + call.between;
+    bool isStopped = false;
+    auto nextProgress = Clock::now() + call.between;
     std::size_t given = 0;
     std::size_t dropped = 0;
-    std::string why;
+    const auto read = [&] {
+        dropped += program.Read(result.output, call.mostOutput - std::min(given, call.mostOutput));
+    };
     while (!program.Status()) {
-        const auto now = Clock::now();
-        if (!ending && (signals.StopRequested() || now - begin >= call.longest)) {
-            result.stopped = signals.StopRequested();
-            why = result.stopped
-                      ? "interrupted: the agent was stopped"
-                      : "took longer than " + std::to_string(call.longest.count() / 1000) + " s";
-            program.Signal(SIGTERM);
-            ending = now + grace;
-        } else if (ending && now >= *ending) {
-            program.Signal(SIGKILL);
-            ending = now + grace;
+        if (!isStopped && signals.StopRequested() && !program.IsEnding()) {
+            isStopped = true;
+            program.End();
         }
         call.alive();
-        if (call.between.count() > 0 && !ending && now >= nextProgress) {
+        const bool tells = call.between.count() > 0 && !isStopped && !program.IsEnding();
+        if (tells && Clock::now() >= nextProgress) {
             // What was not taken is told again, or is in the answer.
             if (call.progress(result.output)) {
                 given += result.output.size();
@@ -244,17 +240,20 @@ HandlerResult RunHandler(const HandlerCall& call, const Signals& signals) {
             }
             nextProgress = Clock::now() + call.between;
         }
-        auto next = ending ? *ending : begin + call.longest;
-        next = call.between.count() > 0 && !ending ? std::min(next, nextProgress) : next;
-        const auto wait = std::chrono::ceil<milliseconds>(next - Clock::now());
-        signals.Wait(program.Output(), std::min(wait, longestWait));
-        dropped += program.Read(result.output, call.mostOutput - std::min(given, call.mostOutput));
+        const auto untilProgress = std::chrono::ceil<milliseconds>(nextProgress - Clock::now());
+        signals.Wait(program.Output(), tells ? std::min(untilProgress, longestWait) : longestWait);
+        read();
     }
-    dropped += program.Read(result.output, call.mostOutput - std::min(given, call.mostOutput));
-    result.succeeded = *program.Status() == 0 && why.empty();
+    read();
+    std::string why = HowItFailed(*program.Status());
+    if (program.IsEnding()) {
+        why = isStopped ? "interrupted: the agent was stopped"
+                        : "took longer than " + std::to_string(call.longest.count() / 1000) + " s";
+    }
+    result.succeeded = why.empty();
     AddLine(result.output,
             dropped == 0 ? "" : std::to_string(dropped) + " bytes more were dropped");
-    AddLine(result.output, why.empty() ? HowItFailed(*program.Status()) : why);
+    AddLine(result.output, why);
     return result;
 }
 

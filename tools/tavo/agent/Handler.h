@@ -26,13 +26,13 @@ struct HandlerCall {
 /// How it ended.
 struct HandlerResult {
     bool succeeded = false; ///< it exited with 0
-    bool stopped = false;   ///< it was ended because the agent is to stop
     std::string output;     ///< what was not given to `progress`, and how it failed
 };
 
 /// Runs it to its end, in a process group of its own, standard output and error together. When it
 /// takes too long, or the agent is to stop, its group gets SIGTERM and, a second later, SIGKILL;
-/// whatever of the group outlives it is killed too.
+/// whatever of the group outlives it is killed too. The time is kept while `progress` or `alive`
+/// waits.
 HandlerResult RunHandler(const HandlerCall& call, const Signals& signals);
 
 } // namespace Tavo
