@@ -15,6 +15,48 @@ namespace Testing {
 
 namespace {
 
+/// The service manager's socket.
+class Manager {
+public:
+    explicit Manager(const std::string& theName) : name(theName) {
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        if (name.size() >= sizeof address.sun_path) {
+            throw std::runtime_error("too long a name for a socket");
+        }
+        name.copy(address.sun_path, name.size());
+        EXPECT_EQ(bind(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+    }
+    Manager(const Manager&) = delete;
+    Manager& operator=(const Manager&) = delete;
+    ~Manager() {
+        close(descriptor);
+        unlink(name.c_str());
+    }
+
+    std::string Variable() const {
+        return "NOTIFY_SOCKET=" + name;
+    }
+
+    /// Waits for what it is told next.
+    std::string Next() const {
+        std::string message(100, '\0');
+        message.resize(static_cast<std::size_t>(recv(descriptor, message.data(), 100, 0)));
+        return message;
+    }
+
+    /// Drops what it has been told.
+    void Forget() const {
+        std::string before(100, '\0');
+        while (recv(descriptor, before.data(), before.size(), MSG_DONTWAIT) > 0) {
+        }
+    }
+
+private:
+    const std::string name;
+    const int descriptor = socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+};
+
 class AgentServiceTest : public AgentTest {
 protected:
     /// Waits for it to end of itself.
@@ -128,39 +170,40 @@ TEST_F(AgentServiceTest, AStopIsHeededWhilePollingAndWhileTheServerIsAway) {
 }
 
 TEST_F(AgentServiceTest, TheServiceManagerIsTold) {
-    const int descriptor = socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    const std::string name = Path("notify");
-    ASSERT_LT(name.size(), sizeof address.sun_path);
-    name.copy(address.sun_path, name.size());
-    ASSERT_EQ(bind(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
-    Start({}, "echo runs >\"$0\"; exec sleep 1000", {"NOTIFY_SOCKET=" + name});
-    const auto next = [descriptor] {
-        std::string message(100, '\0');
-        message.resize(static_cast<std::size_t>(recv(descriptor, message.data(), 100, 0)));
-        return message;
-    };
-    EXPECT_EQ(next(), "READY=1");
-    EXPECT_EQ(next(), "WATCHDOG=1");
-    EXPECT_EQ(next(), "WATCHDOG=1") << "once for every poll";
+    const Manager manager(Path("notify"));
+    Start({}, "echo runs >\"$0\"; exec sleep 1000", {manager.Variable()});
+    EXPECT_EQ(manager.Next(), "READY=1");
+    EXPECT_EQ(manager.Next(), "WATCHDOG=1");
+    EXPECT_EQ(manager.Next(), "WATCHDOG=1") << "once for every poll";
     Queue("t1", "wait");
     while (FileText("ran").empty()) {
     }
-    std::string before(100, '\0');
-    while (recv(descriptor, before.data(), before.size(), MSG_DONTWAIT) > 0) {
-    }
-    EXPECT_EQ(next(), "WATCHDOG=1");
-    EXPECT_EQ(next(), "WATCHDOG=1") << "while a handler runs";
+    manager.Forget();
+    EXPECT_EQ(manager.Next(), "WATCHDOG=1");
+    EXPECT_EQ(manager.Next(), "WATCHDOG=1") << "while a handler runs";
     agent->Signal(SIGTERM);
     std::string message;
     do {
-        message = next();
+        message = manager.Next();
     } while (message == "WATCHDOG=1");
     EXPECT_EQ(message, "STOPPING=1");
     EXPECT_EQ(agent->Finish().code, 0);
-    close(descriptor);
-    unlink(name.c_str());
+}
+
+TEST_F(AgentServiceTest, TheServiceManagerIsToldWhileTheServerIsAway) {
+    const Manager manager(Path("notify"));
+    simulator.reset();
+    Start({"--retry-most", "60"}, "true", {manager.Variable()});
+    EXPECT_EQ(manager.Next(), "READY=1");
+    // The pauses are of 1, 2 and 4 seconds.
+    auto last = std::chrono::steady_clock::now();
+    for (int i = 0; i < 8; ++i) {
+        EXPECT_EQ(manager.Next(), "WATCHDOG=1");
+        const auto now = std::chrono::steady_clock::now();
+        EXPECT_LT(now - last, std::chrono::seconds(3));
+        last = now;
+    }
+    EXPECT_EQ(Stop().code, 0);
 }
 
 TEST_F(AgentServiceTest, BadOptionsAreUsageErrors) {

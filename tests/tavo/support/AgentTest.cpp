@@ -1,5 +1,6 @@
 #include "support/AgentTest.h"
 
+#include <algorithm>
 #include <csignal>
 #include <fstream>
 #include <sstream>
@@ -15,8 +16,12 @@ void AgentTest::Start(const Lines& options, const std::string& script, const Lin
 
 void AgentTest::StartWords(const Lines& options, const Lines& handler, const Lines& environment) {
     Call call;
-    call.arguments = {"agent", "--server",     server, "--id",      "P1",           "--poll",
-                      "1",     "--retry-most", "1",    "--journal", Path("journal")};
+    call.arguments = {"agent", "--server", server, "--id", "P1", "--journal", Path("journal")};
+    for (const char* const name : {"--poll", "--retry-most"}) {
+        if (std::count(options.begin(), options.end(), name) == 0) {
+            call.arguments.insert(call.arguments.end(), {name, "1"});
+        }
+    }
     call.arguments.insert(call.arguments.end(), options.begin(), options.end());
     call.arguments.emplace_back("--");
     call.arguments.insert(call.arguments.end(), handler.begin(), handler.end());

@@ -21,8 +21,9 @@ protected:
         return Folder() + "/" + name;
     }
 
-    /// Starts it with these options, and a handler that is this shell script: the one place where a
-    /// shell is involved. The script's $0 is the file "ran".
+    /// Starts it with these options, by default a poll's time and a longest pause of one second,
+    /// and a handler that is this shell script: the one place where a shell is involved. The
+    /// script's $0 is the file "ran".
     void Start(const Lines& options, const std::string& script, const Lines& environment = {});
     /// Starts it with a handler word by word.
     void StartWords(const Lines& options, const Lines& handler, const Lines& environment = {});

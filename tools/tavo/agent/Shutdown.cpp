@@ -11,6 +11,7 @@ void Agent::KeepAlive() {
         return;
     }
     for (const std::string& id : ids) {
+        NotifyManager("WATCHDOG=1"); // each may take minutes
         try {
             client.DelayShutdown(id, options.postpone);
         } catch (const std::exception& error) {
