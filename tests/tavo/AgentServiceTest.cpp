@@ -95,7 +95,10 @@ TEST_F(AgentServiceTest, AShutdownsProgramRunsOnceThoughTheServerRefusesTheEnd) 
 
 TEST_F(AgentServiceTest, AStoppedAgentLeavesTheShutdownToTheNext) {
     simulator->ShutDown("P1");
-    Start({"--on-shutdown", Script("echo over >" + Path("ran") + "; exec sleep 1000")}, "true");
+    // Within the poll's time a stopped agent is still to tell.
+    Start({"--poll", "60", "--on-shutdown",
+           Script("echo over >" + Path("ran") + "; exec sleep 1000")},
+          "true");
     while (FileText("ran").empty()) {
     }
     EXPECT_EQ(Stop(), (Outcome{0, "",
