@@ -160,6 +160,15 @@ std::vector<std::string> Simulator::Commands(const std::string& id) const {
     return commands;
 }
 
+std::vector<std::string> Simulator::Targets() const {
+    std::vector<std::string> targets;
+    const Json::Value traffic = Parsed(Get("traffic"));
+    for (const Json::Value& exchange : traffic["exchanges"]) {
+        targets.push_back(exchange["target"].asString());
+    }
+    return targets;
+}
+
 std::vector<std::string> Simulator::Packets(const std::string& id) const {
     std::vector<std::string> packets;
     const Json::Value payload = Payload(id);

@@ -41,6 +41,8 @@ public:
     std::vector<std::string> Answers(const std::string& id) const;
     /// The payload's commands with their state: "tag: answered".
     std::vector<std::string> Commands(const std::string& id) const;
+    /// What has been asked of it, oldest first: "/xp?op=off&id=P1".
+    std::vector<std::string> Targets() const;
     /// The exact bytes of the payload's packets and of its files.
     std::vector<std::string> Packets(const std::string& id) const;
     std::vector<std::string> Files(const std::string& id) const;

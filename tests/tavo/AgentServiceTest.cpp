@@ -76,6 +76,11 @@ TEST_F(AgentServiceTest, AShutdownIsPostponedThenCarriedOut) {
     simulator->ShutDown("P1");
     Start({"--on-shutdown", "/bin/true", "--postpone", "100"}, "true");
     EXPECT_EQ(Finish(), (Outcome{0, "off\n", ""}));
+    const Lines targets = simulator->Targets();
+    ASSERT_EQ(targets.size(), 3U);
+    EXPECT_EQ(targets[0].rfind("/xp?op=poll&", 0), 0U);
+    EXPECT_EQ(targets[1], "/xp?op=offdelay&id=P1&delay=100&setdefault=0");
+    EXPECT_EQ(targets[2], "/xp?op=off&id=P1");
     EXPECT_TRUE(Payload()["off"].asBool());
     EXPECT_TRUE(Payload()["shutdown"].isNull());
 }
