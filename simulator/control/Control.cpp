@@ -111,8 +111,9 @@ Reply AnswerControl(World& world, const Request& request) {
             throw NotFound("The page is not served, as --headless asks");
         }
         RequireMethod(request, "GET");
-        return PageReply(request);
+        return PageReply(request); // to another site's link, too
     }
+    RequireNoOtherSite(request);
     std::string allow;
     for (const Target& target : targets) {
         if (!Fits(target, request.path)) {

@@ -165,6 +165,10 @@ TEST_F(Control, RefusesOtherSitesPages) {
     const char foreign[] = "Requests from another site's page are refused\n";
     EXPECT_EQ(get("Host: 127.0.0.1:1\r\nOrigin: http://127.0.0.1:2\r\n"), foreign);
     EXPECT_EQ(get("Host: localhost\r\nOrigin: null\r\n"), foreign);
+    EXPECT_EQ(get("Host: localhost\r\nSec-Fetch-Site: cross-site\r\n"), foreign);
+    EXPECT_EQ(get("Host: localhost\r\nSec-Fetch-Site: same-site\r\n"), foreign);
+    EXPECT_EQ(get("Host: localhost\r\nSec-Fetch-Site: same-origin\r\n"), own);
+    EXPECT_EQ(get("Host: localhost\r\nSec-Fetch-Site: none\r\n"), own);
     EXPECT_EQ(get("Host: rebound.example\r\nOrigin: http://rebound.example\r\n"),
               "Use the server's address, or localhost, as its name\n");
 }

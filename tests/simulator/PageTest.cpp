@@ -97,6 +97,13 @@ TEST_F(Page, AnotherSitesPageGetsNothing) {
               "HTTP/1.1 403 Forbidden");
 }
 
+TEST_F(Page, AnotherSiteMayLinkToIt) {
+    EXPECT_EQ(StatusLine(Exchange(server.Port(), "GET / HTTP/1.1\r\nHost: localhost\r\n"
+                                                 "Sec-Fetch-Site: cross-site\r\n"
+                                                 "Connection: close\r\n\r\n")),
+              "HTTP/1.1 200 OK");
+}
+
 TEST(PageAbsent, HeadlessServersHaveNoPage) {
     const TempFolder folder;
     Settings settings = SettingsIn(folder.path + "/data");
