@@ -73,14 +73,13 @@ bool Play(Player& player, const EndingSignals& signals) {
     }
 }
 
-ExitCode Tell(const Player::Report& report, bool ended, LineOutput& output) {
+/// What the report says, line by line.
+std::string TextOf(const Player::Report& report, bool ended) {
+    std::string text;
     for (const std::string& line : report.lines) {
-        output.Write(line);
+        text += line + "\n";
     }
-    if (!ended) {
-        output.Write("scenario: ended by a signal");
-    }
-    return report.met && ended ? ExitCode::Success : ExitCode::ScenarioNotMet;
+    return text + (ended ? "" : "scenario: ended by a signal\n");
 }
 
 /// Idle connections take no more than descriptors, of which there are few unless asked for.
@@ -121,15 +120,20 @@ ExitCode Serve(const Options& options) {
                  std::to_string(server->Port()) + " and keeps uploads in " +
                  world.files.Folder().string());
     ExitCode code = ExitCode::Success;
+    std::string report;
+    bool isSignalled = true;
     if (player) {
-        const bool ended = Play(*player, signals);
-        const Player::Report report = player->Conclude();
-        server.reset();
-        code = Tell(report, ended, output);
+        isSignalled = !Play(*player, signals);
+        const Player::Report conclusion = player->Conclude();
+        report = TextOf(conclusion, !isSignalled);
+        code = conclusion.met && !isSignalled ? ExitCode::Success : ExitCode::ScenarioNotMet;
     } else {
         signals.Await();
-        server.reset();
     }
+    server.reset();
+    // A scenario's verdict waits for its reader until a signal comes.
+    output.Finish(report,
+                  [&] { return isSignalled || signals.Await(std::chrono::milliseconds(100)); });
     return code == ExitCode::Success && journal && journal->Failed() ? ExitCode::Failure : code;
 }
 
@@ -141,11 +145,11 @@ int Fail(const std::string& line, ExitCode code) {
 } // namespace
 
 int main(int count, char** arguments) {
+    Brenmoor::FillStandardStreams();
     try {
         const ParsedOptions parsed = ParseOptions({arguments + 1, arguments + count});
         if (!parsed.error.empty()) {
             return Fail(parsed.error, ExitCode::BadOption);
-    Brenmoor::FillStandardStreams();
         }
         if (parsed.options.print.empty()) {
             return static_cast<int>(Serve(parsed.options));

@@ -45,12 +45,25 @@ void LineOutput::Write(const std::string& line) {
         ++leftOut;
         return;
     }
-    if (leftOut > 0) {
-        rest = "(lines left out, since nobody read them: " + std::to_string(leftOut) + ")\n";
-        leftOut = 0;
-    }
+    TellLeftOut();
     rest += line + "\n";
     Flush();
+}
+
+void LineOutput::Finish(const std::string& text, const std::function<bool()>& givesUp) {
+    const std::lock_guard<std::mutex> lock(mutex);
+    TellLeftOut();
+    rest += text;
+    isRead = true;
+    while (!Flush() && !givesUp()) {
+    }
+}
+
+void LineOutput::TellLeftOut() {
+    if (leftOut > 0) {
+        rest += "(lines left out, since nobody read them: " + std::to_string(leftOut) + ")\n";
+        leftOut = 0;
+    }
 }
 
 } // namespace TavoSimulator

@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <mutex>
 #include <string>
 
@@ -21,9 +22,14 @@ public:
     /// Adds a line end.
     void Write(const std::string& line);
 
+    /// To be called last. The number of lines that were left out, and this text, wait for whoever
+    /// reads them until `givesUp`, which is asked each time that the patience is at its end.
+    void Finish(const std::string& text, const std::function<bool()>& givesUp);
+
 private:
     bool AwaitReader();
     bool Flush();
+    void TellLeftOut();
 
     const int descriptor;
     const std::chrono::milliseconds patience;

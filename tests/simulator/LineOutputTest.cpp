@@ -81,6 +81,34 @@ TEST(LineOutputTest, LinesForNobodyAreForgotten) {
 
 class UnreadLines : public ProcessTest {};
 
+TEST(LineOutputTest, TheEndWaitsForItsReaderAndTellsWhatWasLeftOut) {
+    const SmallPipe pipe;
+    LineOutput output(pipe.Writer(), std::chrono::milliseconds(1));
+    for (int i = 0; i < 3; ++i) {
+        output.Write(std::string(std::size_t{2} * PIPE_BUF - 1, 'a'));
+    }
+    std::string text;
+    int asked = 0;
+    output.Finish("the end\n", [&] {
+        text += ++asked > 2 ? pipe.Read() : "";
+        return false;
+    });
+    text += pipe.Read();
+    const std::string line = std::string(std::size_t{2} * PIPE_BUF - 1, 'a') + "\n";
+    EXPECT_TRUE(text == line + line + "(lines left out, since nobody read them: 1)\nthe end\n")
+        << text.size();
+}
+
+TEST(LineOutputTest, TheEndMayBeGivenUp) {
+    const SmallPipe pipe;
+    LineOutput output(pipe.Writer(), std::chrono::milliseconds(1));
+    const std::string line(std::size_t{2} * PIPE_BUF - 1, 'a');
+    output.Write(line);
+    output.Finish("the end\n", [] { return true; });
+    EXPECT_TRUE(pipe.Read() == line + "\n");
+    EXPECT_EQ(pipe.Read(), "");
+}
+
 TEST_F(UnreadLines, HoldUpNeitherPayloadsNorTheEnd) {
     Process process(Arguments());
     const std::uint16_t port = AwaitPort(process);

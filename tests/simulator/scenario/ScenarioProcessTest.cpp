@@ -1,5 +1,7 @@
 #include "support/ProcessTest.h"
 
+#include <Poco/Net/NetException.h>
+
 namespace Brenmoor {
 namespace TavoSimulator {
 namespace Testing {
@@ -13,6 +15,12 @@ protected:
         WriteFile(folder.path + "/s.json", scenario);
         more.insert(more.end(), {"--quiet", "--scenario", folder.path + "/s.json"});
         return Arguments(more);
+    }
+
+    static void AskForEver(std::uint16_t port) {
+        for (;;) {
+            Exchange(port, GetText("/sim/v1/state"));
+        }
     }
 
     static std::string Reply(const std::string& tag, const std::string& text) {
@@ -43,6 +51,26 @@ TEST_F(ScenarioProcessTest, EndsWithZeroOnceAllIsMet) {
                                       "met: expect[2]: {\"exchanges\":{\"count\":3}}\n"
                                       "scenario: 3 of 3 expectations met\n");
     EXPECT_EQ(process.Errors(), "");
+}
+
+TEST_F(ScenarioProcessTest, ItsVerdictWaitsForWhoeverReadsIt) {
+    WriteFile(folder.path + "/s.json", R"({
+        "end": {"whenMet": true},
+        "expect": [{"name": "all", "exchanges": {"atLeast": 30}}]
+    })");
+    Process process(Arguments({"--scenario", folder.path + "/s.json"}));
+    const std::uint16_t port = AwaitPort(process);
+    // More than a pipe holds.
+    const std::string request = GetText("/xp?op=off&id=" + std::string(4000, 'x'));
+    for (int i = 0; i < 30; ++i) {
+        EXPECT_EQ(Exchange(port, request), okReply);
+    }
+    EXPECT_THROW(AskForEver(port), Poco::Net::NetException) << "it is over, and so is the server";
+    const std::string text = process.RestOfOutput();
+    const std::string end = ")\nmet: all\nscenario: 1 of 1 expectations met\n";
+    EXPECT_NE(text.find("\n(lines left out, since nobody read them: "), std::string::npos);
+    EXPECT_EQ(text.substr(text.size() - std::min(text.size(), end.size())), end);
+    EXPECT_EQ(process.Wait(), 0);
 }
 
 TEST_F(ScenarioProcessTest, EndsWithThreeWhenItsTimeIsUpAndSomethingIsMissing) {
