@@ -1,5 +1,6 @@
 #include "wire/LineOutput.h"
 #include "support/ProcessTest.h"
+#include "support/ResourceLimit.h"
 
 #include <climits>
 #include <fcntl.h>
@@ -22,8 +23,15 @@ public:
     SmallPipe(const SmallPipe&) = delete;
     SmallPipe& operator=(const SmallPipe&) = delete;
     ~SmallPipe() {
-        close(ends[0]);
+        CloseReader();
         close(ends[1]);
+    }
+
+    void CloseReader() {
+        if (ends[0] >= 0) {
+            close(ends[0]);
+        }
+        ends[0] = -1;
     }
 
     int Writer() const {
@@ -73,14 +81,6 @@ TEST(LineOutputTest, ALineLongerThanThePipeComesWholeOrNotAtAll) {
         << text.size();
 }
 
-TEST(LineOutputTest, LinesForNobodyAreForgotten) {
-    LineOutput output(-1);
-    output.Write("a");
-    output.Write("b");
-}
-
-class UnreadLines : public ProcessTest {};
-
 TEST(LineOutputTest, TheEndWaitsForItsReaderAndTellsWhatWasLeftOut) {
     const SmallPipe pipe;
     LineOutput output(pipe.Writer(), std::chrono::milliseconds(1));
@@ -108,6 +108,21 @@ TEST(LineOutputTest, TheEndMayBeGivenUp) {
     EXPECT_TRUE(pipe.Read() == line + "\n");
     EXPECT_EQ(pipe.Read(), "");
 }
+
+TEST(LineOutputTest, LinesForNobodyAreForgotten) {
+    const TavoRemotingLib::Testing::IgnoredSignal ignored(SIGPIPE);
+    SmallPipe pipe;
+    // Whoever keeps a line would wait for its reader.
+    LineOutput output(pipe.Writer(), std::chrono::hours(1));
+    pipe.CloseReader();
+    output.Write("a");
+    output.Write("b");
+    bool isAsked = false;
+    output.Finish("the end\n", [&] { return isAsked = true; });
+    EXPECT_FALSE(isAsked);
+}
+
+class UnreadLines : public ProcessTest {};
 
 TEST_F(UnreadLines, HoldUpNeitherPayloadsNorTheEnd) {
     Process process(Arguments());
