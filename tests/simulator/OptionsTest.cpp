@@ -1,7 +1,11 @@
 #include "program/Options.h"
 #include "support/Wire.h"
 
+#include <algorithm>
+#include <cstdint>
 #include <gtest/gtest.h>
+#include <regex>
+#include <set>
 
 namespace Brenmoor {
 namespace TavoSimulator {
@@ -44,6 +48,18 @@ TEST(Options, ValuesFollowAsArgumentOrBehindEquals) {
     EXPECT_EQ(ParseOptions({"--address", "::1"}).options.address, "::1");
     EXPECT_TRUE(options.settings.page);
     EXPECT_FALSE(ParseOptions({"--headless"}).options.settings.page);
+}
+
+TEST(Options, TheManualPageHasThoseOfTheHelp) {
+    const auto options = [](const std::string& text) {
+        const std::regex pattern("--[a-z][a-z-]*");
+        return std::set<std::string>(std::sregex_token_iterator(text.begin(), text.end(), pattern),
+                                     std::sregex_token_iterator());
+    };
+    std::string page = ReadFile(MANUAL_PAGE);
+    page.erase(std::remove(page.begin(), page.end(), '\\'), page.end());
+    EXPECT_EQ(options(page), options(ParseOptions({"--help"}).options.print));
+    EXPECT_NE(page.find("tavo-simulator faults"), std::string::npos);
 }
 
 TEST(Options, SaysWhatIsWrong) {
