@@ -3,6 +3,8 @@
 #include <CLI/CLI.hpp>
 #include <Poco/Net/IPAddress.h>
 #include <algorithm>
+#include <cerrno>
+#include <cstdlib>
 #include <fstream>
 #include <iomanip>
 #include <sstream>
@@ -26,8 +28,14 @@ std::string CheckAddress(const std::string& text) {
     return Poco::Net::IPAddress::tryParse(text, address) ? "" : "not an IP address: " + text;
 }
 
-/// Else an empty text were 0, a negative whole number a great one, and "nan" in any range.
+/// Otherwise an empty text would be 0, a negative whole number or one beyond 64 bits a great one,
+/// and "nan" in any range.
 std::string CheckNumber(const std::string& text) {
+    errno = 0;
+    std::strtoull(text.c_str(), nullptr, 0);
+    if (errno == ERANGE) {
+        return "too great a number: '" + text + "'";
+    }
     return text.find_first_of(".0123456789") == 0 ? "" : "not a number from 0 on: '" + text + "'";
 }
 

@@ -85,7 +85,10 @@ TEST(Options, RefusesWhatOnlyLooksLikeANumber) {
         expectRefused(option, "");
         expectRefused(option, "-1");
         expectRefused(option, "x");
+        EXPECT_EQ(Complaint({option, "18446744073709551616"}),
+                  std::string(option) + ": too great a number: '18446744073709551616'; see --help");
     }
+    EXPECT_EQ(ParseOptions({"--seed", "18446744073709551615"}).options.settings.seed, UINT64_MAX);
     for (const char* const option : {"--speed", "--start", "--redeliver"}) {
         expectRefused(option, "nan");
     }
