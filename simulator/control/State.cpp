@@ -51,8 +51,8 @@ public:
         if (++count > most) {
             --count;
             throw Refusal(503, "Service Unavailable",
-                          "There are " + std::to_string(most) +
-                              " who listen already, which is the most");
+                          std::to_string(most) +
+                              " event streams are open already, which is the limit");
         }
     }
     Listener(const Listener&) = delete;

@@ -160,7 +160,7 @@ TEST_F(Hostile, TooManyWhoListenAreRefused) {
         EXPECT_EQ(StatusLine(pages.back()->ReadUntil("\r\n\r\n")), "HTTP/1.1 200 OK");
     }
     EXPECT_EQ(Get(target), ReplyText("503 Service Unavailable", "text/plain",
-                                     "There are 32 who listen already, which is the most\n"));
+                                     "32 event streams are open already, which is the limit\n"));
     pages.clear();
     while (world.listeners > 0) {
         std::this_thread::yield();
