@@ -8,6 +8,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <future>
 #include <optional>
 #include <thread>
 
@@ -16,6 +17,8 @@ namespace TavoRemotingLib {
 namespace Testing {
 
 namespace {
+
+using namespace std::chrono_literals;
 
 /// Whether this process has the file open.
 bool IsOpen(const std::string& path) {
@@ -35,7 +38,8 @@ protected:
     void SetUp() override {
         OperationsTest::SetUp();
         content.resize(16777216, 'x');
-        file = MakeFile("large", content);
+        // As the system shows it, also where the folder is behind a symbolic link.
+        file = std::filesystem::canonical(MakeFile("large", content));
         server.emplace(Script{ReadHead(), Hold(), ReadRequest(), Send(OkReply("OK"))});
     }
     void TearDown() override {
@@ -45,23 +49,22 @@ protected:
 
     /// Returns libcurl's code.
     template <typename Change>
-    int Upload(const Change& change) {
-        std::thread changer([&] {
-            while (!IsOpen(file)) {
-                std::this_thread::yield();
-            }
-            change();
-            server->Release();
-        });
-        int code = 0;
+    CURLcode Upload(const Change& change) {
         HalcyrREST client(server->Address(), logger, false);
-        try {
-            client.SendFileToShore("P1", file, "");
-        } catch (const CurlUtils::CurlEasyException& e) {
-            code = e.code;
+        auto upload = std::async(std::launch::async, [&] {
+            try {
+                client.SendFileToShore("P1", file, "");
+            } catch (const CurlUtils::CurlEasyException& e) {
+                return e.code;
+            }
+            return CURLE_OK;
+        });
+        while (!IsOpen(file) && upload.wait_for(0s) != std::future_status::ready) {
+            std::this_thread::yield();
         }
-        changer.join();
-        return code;
+        change();
+        server->Release();
+        return upload.get();
     }
 
     std::optional<ScriptedServer> server;
