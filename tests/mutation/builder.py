@@ -1,6 +1,7 @@
 """Compiles mutants and links what the tests need: the test program, and the shared object for the
 tests of a whole process."""
 import json
+import os
 import re
 import shlex
 import shutil
@@ -9,6 +10,11 @@ import threading
 from pathlib import Path
 
 OBJECTS = "src/CMakeFiles/TavoRemotingObjects.dir/"
+ERROR_IN_SOURCE = re.compile(r":\d+:\d+: error: ")
+
+
+class DoesNotCompile(Exception):
+    """The compiler found an error in a source."""
 
 
 def sources_of(root):
@@ -49,9 +55,18 @@ class Build:
                 names = set(re.findall(r"^#include <.*>", "\n".join([text, *own]), re.M))
                 header.write_text("\n".join(sorted(names)) + "\n")
                 command = self.command(source, f"{header}.gch")
-                subprocess.run([*command[:-2], "-x", "c++-header", str(header)], cwd=self.folder, check=True)
+                self.run([*command[:-2], "-x", "c++-header", str(header)])
                 self.headers[source] = header
             return self.headers[source]
+
+    def run(self, command):
+        """Runs a compiler or linker. That it is killed, say, or finds a full disk, tells nothing of
+        what it was given and raises another error."""
+        done = subprocess.run(command, cwd=self.folder, stdin=subprocess.DEVNULL, text=True,
+                              stdout=subprocess.DEVNULL, stderr=subprocess.PIPE,
+                              env={**os.environ, "LC_ALL": "C"})
+        if done.returncode != 0:
+            raise (DoesNotCompile if ERROR_IN_SOURCE.search(done.stderr) else RuntimeError)(done.stderr)
 
     def command(self, source, output):
         """A source's compile command without warnings, which are no test; the source comes last."""
@@ -84,21 +99,25 @@ class Workplace:
         self.library = self.folder / "libTavoRemotingLib.so.1"
         shutil.copytree(build.root / "src", self.folder / "src")
 
+    def make_unchanged(self, files):
+        """Builds the test program with these files as they are. Raises when that cannot be, since
+        then no mutant of them could be built either."""
+        self.objects = {source: self.compile(source)
+                        for source in sorted({user for file in files for user in self.build.users(file)})}
+        self.link(self.build.program, self.program)
+
     def make(self, mutant):
-        """Builds the test program with the mutant (None: without). False when that cannot be."""
+        """Builds the test program with the mutant. False when it does not compile."""
         self.objects = {}
-        if mutant is not None:
-            place = self.folder / mutant.file
-            place.write_text(mutant.apply(self.build.texts[mutant.file]))
-            try:
-                for source in self.build.users(mutant.file):
-                    self.objects[source] = self.compile(source)
-                self.link(self.build.program, self.program)
-                return True
-            except subprocess.CalledProcessError:
-                return False
-            finally:
-                place.write_text(self.build.texts[mutant.file])
+        place = self.folder / mutant.file
+        place.write_text(mutant.apply(self.build.texts[mutant.file]))
+        try:
+            for source in self.build.users(mutant.file):
+                self.objects[source] = self.compile(source)
+        except DoesNotCompile:
+            return False
+        finally:
+            place.write_text(self.build.texts[mutant.file])
         self.link(self.build.program, self.program)
         return True
 
@@ -111,7 +130,7 @@ class Workplace:
         command = self.build.command(source, output)
         old, new = f"{self.build.root}/src", f"{self.folder}/src"
         command = [word.replace(old, new) if word.startswith(("-I", "/")) else word for word in command]
-        self.run([command[0], "-include", str(self.build.header(source)), *command[1:]])
+        self.build.run([command[0], "-include", str(self.build.header(source)), *command[1:]])
         return output
 
     def link(self, command, output):
@@ -119,8 +138,4 @@ class Workplace:
                    for source, made in self.objects.items()}
         words = [changed.get(word, word) for word in command]
         words[words.index("-o") + 1] = str(output)
-        self.run([words[0], self.build.linker, *words[1:]])
-
-    def run(self, command):
-        subprocess.run(command, cwd=self.build.folder, check=True, stdin=subprocess.DEVNULL,
-                       stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        self.build.run([words[0], self.build.linker, *words[1:]])

@@ -20,6 +20,7 @@ from trial import Trial
 ROOT = Path(__file__).resolve().parents[2]
 FOLDER = ROOT / "build/mutate"
 RESULTS = FOLDER / "mutants.jsonl"
+SCRATCH_BYTES = 1_500_000_000  # a precompiled header takes 30 to 90 MB, and each source has its own
 DONE = ("killed", "hung", "not compiled")
 LIST = ROOT / "tests/mutation/equivalent.txt"
 
@@ -36,6 +37,12 @@ def arguments():
     parser.add_argument("--self-test", action="store_true", help="only show that the script can fail")
     parser.add_argument("-j", metavar="N", type=int, default=2, help="mutants at a time (default: 2)")
     return parser.parse_args()
+
+
+def fast_folder():
+    """Memory, where there is enough: all these small files would keep a disk busy."""
+    folder = Path("/dev/shm")
+    return folder if folder.is_dir() and shutil.disk_usage(folder).free >= SCRATCH_BYTES else None
 
 
 def chosen(options, mutants, equivalents):
@@ -110,9 +117,10 @@ def run(options, mutants, equivalents, scratch):
     places = [Workplace(build, number) for number in range(options.j)]
     trial = Trial(FOLDER / "tests/process/tavo_process_tests", options.quick)
     print("mutate: the tests without a mutant", flush=True)
-    trial.measure(places[0])
+    files = {mutant.file for mutant in mutants}
+    trial.measure(places[0], files)
     print(f"mutate: {len(trial.fast)} quick tests, {len(trial.slow) + len(trial.process)} others;"
-          f" {len(mutants)} changes of {len({m.file for m in mutants})} files", flush=True)
+          f" {len(mutants)} changes of {len(files)} files", flush=True)
     printed = report.Report(len(mutants), options.listed)
     Run(build, trial, mutants, {} if options.listed else equivalents, printed).all(places)
     return printed.finish(time.monotonic() - start)
@@ -135,8 +143,7 @@ def main():
         print(f"{LIST.relative_to(ROOT)}: no longer a mutant of {file}:\n- {before}\n+ {after}", file=sys.stderr)
     if not options.again and not options.listed and not options.only and not options.self_test:
         RESULTS.write_text("")
-    # Memory is quicker than a disk, which all these small files would keep busy.
-    scratch = Path(tempfile.mkdtemp(prefix="mutate-", dir="/dev/shm" if Path("/dev/shm").is_dir() else None))
+    scratch = Path(tempfile.mkdtemp(prefix="mutate-", dir=fast_folder()))
     try:
         if options.self_test:
             return selftest.passes(Build(ROOT, FOLDER, scratch), FOLDER)

@@ -90,13 +90,28 @@ def state_of(place, trial, before, after):
     return {"passed": "survived", "hung": "hung"}.get(outcome.state, "killed")
 
 
+def unwritable_raises(place):
+    """With a folder in the way of the object file."""
+    mutant = mutants_of(FILE, place.build.texts[FILE])[0]
+    place.make(mutant)
+    made = place.objects[FILE]
+    made.unlink()
+    made.mkdir()
+    try:
+        place.make(mutant)
+    except RuntimeError as problem:
+        return made.name in str(problem)
+    return False
+
+
 def passes(build, folder):
     wrong = []
     expect(wrong, "the mutants of a text are found, and nothing else", found_as_expected())
     expect(wrong, "an entry of the list that is no mutant is noticed", list_as_expected(build.scratch))
     place = Workplace(build, 0)
     trial = Trial(folder / "tests/process/tavo_process_tests", quick=True, stall=10)
-    trial.measure(place, "EncodeURL.*")
+    trial.measure(place, [FILE], "EncodeURL.*")
     for before, after, state in CHANGES:
         expect(wrong, f"'{before}' as '{after}' is {state}", state_of(place, trial, before, after) == state)
+    expect(wrong, "a compiler that cannot write ends the run", unwritable_raises(place))
     return not wrong
