@@ -6,7 +6,7 @@ from pathlib import Path
 import report
 from builder import Workplace
 from finder import mutants_of
-from trial import Trial
+from trial import Outcome, Trial
 
 FILE = "src/HalcyrREST/EncodeURL.cpp"
 SOURCE = r'''#include "a == b"
@@ -90,6 +90,14 @@ def state_of(place, trial, before, after):
     return {"passed": "survived", "hung": "hung"}.get(outcome.state, "killed")
 
 
+def once_is_no_kill(trial, state):
+    """What one run of the tests says, and no other."""
+    outcomes = [Outcome(state, "A.B"), Outcome("passed"), Outcome("passed")]
+    stub = Trial(trial.process_tests)
+    stub.run = lambda *_: outcomes.pop(0)
+    return stub.confirmed(None, None, ["A.A", "A.B"]).passed and not outcomes
+
+
 def unwritable_raises(place):
     """With a folder in the way of the object file."""
     mutant = mutants_of(FILE, place.build.texts[FILE])[0]
@@ -113,5 +121,7 @@ def passes(build, folder):
     trial.measure(place, [FILE], "EncodeURL.*")
     for before, after, state in CHANGES:
         expect(wrong, f"'{before}' as '{after}' is {state}", state_of(place, trial, before, after) == state)
+    for state in ("failed", "crashed", "hung"):
+        expect(wrong, f"tests that {state} only once kill nothing", once_is_no_kill(trial, state))
     expect(wrong, "a compiler that cannot write ends the run", unwritable_raises(place))
     return not wrong

@@ -148,10 +148,12 @@ class Trial:
         return [group for group in (names[i::GROUPS] for i in range(GROUPS)) if group]
 
     def confirmed(self, place, program, tests, stall=None):
-        """A test that fails once must fail again: what a busy machine does is no kill."""
+        """A test that fails, crashes or hangs must do so again: what a busy machine does is no kill."""
         if not tests:
             return Outcome("passed")
         outcome = self.run(place, program, tests, stall)
-        if outcome.state == "failed" and self.run(place, program, [outcome.test], stall).passed:
-            outcome = self.run(place, program, tests, stall)
+        if not outcome.passed:
+            again = [outcome.test] if outcome.test in tests else tests
+            if self.run(place, program, again, stall).passed:
+                outcome = self.run(place, program, tests, stall)
         return outcome
