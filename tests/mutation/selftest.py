@@ -1,5 +1,7 @@
 """Shows that scripts/mutate can fail: that it tells the mutants that the tests kill from those that
 they do not, and knows what is no mutant."""
+import contextlib
+import io
 from dataclasses import replace
 from pathlib import Path
 
@@ -90,6 +92,14 @@ def state_of(place, trial, before, after):
     return {"passed": "survived", "hung": "hung"}.get(outcome.state, "killed")
 
 
+def verdict(state, survivors_wanted=False):
+    """Whether a run passes whose only mutant comes to this."""
+    printed = report.Report(1, survivors_wanted)
+    with contextlib.redirect_stdout(io.StringIO()):
+        printed.add(mutants_of("a.cpp", SOURCE)[0], state, "A.B")
+        return printed.finish(0)
+
+
 def once_is_no_kill(trial, state):
     """What one run of the tests says, and no other."""
     outcomes = [Outcome(state, "A.B"), Outcome("passed"), Outcome("passed")]
@@ -116,6 +126,9 @@ def passes(build, folder):
     wrong = []
     expect(wrong, "the mutants of a text are found, and nothing else", found_as_expected())
     expect(wrong, "an entry of the list that is no mutant is noticed", list_as_expected(build.scratch))
+    expect(wrong, "a survivor fails the run", verdict("killed") and not verdict("survived"))
+    expect(wrong, "a listed mutant that is killed fails the run",
+           verdict("survived", True) and not verdict("killed", True) and not verdict("hung", True))
     place = Workplace(build, 0)
     trial = Trial(folder / "tests/process/tavo_process_tests", quick=True, stall=10)
     trial.measure(place, [FILE], "EncodeURL.*")
