@@ -22,6 +22,7 @@ FOLDER = ROOT / "build/mutate"
 RESULTS = FOLDER / "mutants.jsonl"
 SCRATCH_BYTES = 1_500_000_000  # a precompiled header takes 30 to 90 MB, and each source has its own
 DONE = ("killed", "hung", "not compiled")
+ENDINGS = (signal.SIGINT, signal.SIGTERM)
 LIST = ROOT / "tests/mutation/equivalent.txt"
 
 
@@ -106,6 +107,10 @@ class Run:
                 thread.join()
         except BaseException:
             self.failure = RuntimeError("ended from outside")
+            # Their folders are removed next.
+            print("mutate: ending with the changes under way", flush=True)
+            for thread in threads:
+                thread.join()
             raise
         if self.failure is not None:
             raise self.failure
@@ -126,10 +131,16 @@ def run(options, mutants, equivalents, scratch):
     return printed.finish(time.monotonic() - start)
 
 
+def end(number, _):
+    for ending in ENDINGS:
+        signal.signal(ending, lambda *_: None)
+    sys.exit(128 + number)
+
+
 def main():
     options = arguments()
-    for ending in (signal.SIGINT, signal.SIGTERM):
-        signal.signal(ending, lambda number, frame: sys.exit(128 + number))
+    for ending in ENDINGS:
+        signal.signal(ending, end)
     every = [m for file in sources_of(ROOT) for m in mutants_of(file, (ROOT / file).read_text())]
     equivalents = report.equivalents_of(LIST)
     mutants = chosen(options, every, equivalents)
