@@ -31,7 +31,7 @@ def arguments():
     parser.add_argument("--only", metavar="FILE", action="append", help="mutants of this source file only")
     parser.add_argument("--sample", metavar="N", type=int, help="that many of them, drawn at random")
     parser.add_argument("--seed", metavar="S", type=int, default=1, help="for the drawing (default: 1)")
-    parser.add_argument("--again", action="store_true", help="only what the last run did not kill or reach")
+    parser.add_argument("--again", action="store_true", help="only what no run since the last whole one has killed")
     parser.add_argument("--listed", action="store_true", help="those of the list only, which must survive")
     parser.add_argument("--quick", action="store_true", help="with the quick tests only")
     parser.add_argument("--list", action="store_true", help="only print the mutants")
@@ -54,6 +54,8 @@ def chosen(options, mutants, equivalents):
             sys.exit(f"mutate: there is nothing to change in {', '.join(sorted(unknown))}")
         mutants = [mutant for mutant in mutants if mutant.file in options.only]
     if options.again:
+        if not RESULTS.exists():
+            sys.exit("mutate: there was no run yet that could be done again")
         last = {tuple(entry["key"]): entry["state"] for entry in map(json.loads, RESULTS.open())}
         mutants = [mutant for mutant in mutants if last.get(mutant.key) not in DONE]
     if options.listed:
@@ -152,7 +154,7 @@ def main():
     stale = report.stale(equivalents, every)
     for file, before, after, nth in stale:
         print(f"{LIST.relative_to(ROOT)}: no longer a mutant of {file}:\n- {before}\n+ {after}", file=sys.stderr)
-    if not options.again and not options.listed and not options.only and not options.self_test:
+    if not any((options.again, options.listed, options.only, options.sample, options.quick, options.self_test)):
         RESULTS.write_text("")
     scratch = Path(tempfile.mkdtemp(prefix="mutate-", dir=fast_folder()))
     try:
