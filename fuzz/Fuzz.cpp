@@ -17,6 +17,11 @@ void Require(bool condition, const char* text) {
     }
 }
 
+void RequireTag(const std::string& tag) {
+    const bool hasBoth = tag.find('\'') != std::string::npos && tag.find('"') != std::string::npos;
+    Require(!hasBoth, "a tag ends at the quote that it began with");
+}
+
 } // namespace Fuzzing
 } // namespace TavoRemotingLib
 } // namespace Brenmoor

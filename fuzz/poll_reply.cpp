@@ -57,9 +57,7 @@ void Try(const std::string& input) {
         Require(results.IsAnswered(), "a poll that returns has a result");
     }
     for (const HalcyrREST::RemoteCommand& command : results.commands) {
-        const bool hasBoth = command.tag.find('\'') != std::string::npos &&
-                             command.tag.find('"') != std::string::npos;
-        Require(!hasBoth, "a tag ends at the quote that it began with");
+        RequireTag(command.tag);
     }
 }
 

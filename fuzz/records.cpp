@@ -25,12 +25,6 @@ bool Reads(const Read& read, const Check& check) {
     }
 }
 
-void Check(const HalcyrREST::RemoteCommand& command) {
-    const bool hasBoth =
-        command.tag.find('\'') != std::string::npos && command.tag.find('"') != std::string::npos;
-    Require(!hasBoth, "a tag ends at the quote that it began with");
-}
-
 void Check(const HalcyrREST::GPSInfo& gps) {
     const bool isWhole =
         !std::isnan(gps.latitude) && !std::isnan(gps.longitude) && !std::isnan(gps.timeFix);
@@ -42,8 +36,9 @@ void Check(const HalcyrREST::GPSInfo& gps) {
 } // namespace
 
 void Try(const std::string& input) {
-    const bool isCommand = Reads([&] { return HalcyrREST::RemoteCommand(input); },
-                                 [](const HalcyrREST::RemoteCommand& read) { Check(read); });
+    const bool isCommand =
+        Reads([&] { return HalcyrREST::RemoteCommand(input); },
+              [](const HalcyrREST::RemoteCommand& read) { RequireTag(read.tag); });
     const bool isPosition = Reads([&] { return HalcyrREST::GPSInfo(input); },
                                   [](const HalcyrREST::GPSInfo& read) { Check(read); });
     const bool isInterface = Reads(
