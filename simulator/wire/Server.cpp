@@ -54,6 +54,8 @@ public:
         world.payloads.Close();
         world.changes.Close();
         desk.WaitUntilIdle(partingTime);
+        // Ends the wait for connections, of which Poco's server sleeps through a stop.
+        socket.impl()->shutdownReceive();
         server.stopAll(/* abortCurrent = */ true);
         threads.joinAll();
     }
