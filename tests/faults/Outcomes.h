@@ -33,7 +33,7 @@ public:
     /// poll with a command and a position to report, and an upload.
     std::vector<Outcome> Outcomes();
 
-    /// Any operation but a poll, struck by the fault.
+    /// Any operation but a poll, struck by the fault. Several may be called at a time.
     Outcome OutcomeOf(const Operation& operation);
 
 private:
