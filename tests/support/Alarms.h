@@ -25,6 +25,7 @@ public:
     ~Alarms() {
         const itimerval none = {};
         setitimer(ITIMER_REAL, &none, nullptr);
+        std::signal(SIGALRM, SIG_IGN); // one that is still pending is forgotten
         sigaction(SIGALRM, &oldAction, nullptr);
     }
 
