@@ -27,6 +27,7 @@ public:
     TimeLimit& operator=(const TimeLimit&) = delete;
     ~TimeLimit();
 
+    /// As if its time were up.
     void EndNow();
 
     /// Whether the child was told to end while it ran.
