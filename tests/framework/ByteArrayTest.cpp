@@ -1,4 +1,4 @@
-#include <MirrinFramework/ByteArray.h>
+#include "Bytes.h"
 
 #include <cstring>
 #include <gtest/gtest.h>
@@ -8,10 +8,6 @@ namespace Brenmoor {
 namespace MirrinFramework {
 
 namespace {
-
-ByteArray Bytes(const std::string& text) {
-    return ByteArray(text.data(), text.size());
-}
 
 std::string Text(const ByteArray& bytes) {
     return std::string(static_cast<const char*>(bytes.Data()), bytes.Size());

@@ -1,5 +1,6 @@
 #include <MirrinFramework/TempFile.h>
 
+#include "Bytes.h"
 #include "support/CleanTest.h"
 #include "support/ResourceLimit.h"
 
@@ -24,10 +25,6 @@ class TempFileTest : public TavoRemotingLib::Testing::CleanTest {};
 std::string Content(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
     return std::string(std::istreambuf_iterator<char>(file), {});
-}
-
-ByteArray Bytes(const std::string& text) {
-    return ByteArray(text.data(), text.size());
 }
 
 /// Expects `action` to fail with that system error and a text that says what was done to which
