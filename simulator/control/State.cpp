@@ -5,7 +5,6 @@
 #include "wire/Json.h"
 
 #include <memory>
-#include <thread>
 
 namespace Brenmoor {
 namespace TavoSimulator {
@@ -76,7 +75,7 @@ void SendEvents(World& world, std::ostream& out) {
         SendEvent(out, "state", StateJson(world));
         out.flush();
         // The vehicle moves and time passes even when nothing happens.
-        std::this_thread::sleep_for(betweenEvents);
+        world.changes.AwaitClose(betweenEvents);
         changesSeen = world.changes.Await(changesSeen, longestSilence - betweenEvents);
     }
 }

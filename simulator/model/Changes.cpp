@@ -15,6 +15,11 @@ std::uint64_t Changes::Await(std::uint64_t seen, std::chrono::milliseconds longe
     return count;
 }
 
+void Changes::AwaitClose(std::chrono::milliseconds longest) {
+    std::unique_lock<std::mutex> lock(mutex);
+    noted.wait_for(lock, longest, [&] { return closed; });
+}
+
 void Changes::Close() {
     const std::lock_guard<std::mutex> lock(mutex);
     closed = true;

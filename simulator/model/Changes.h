@@ -18,6 +18,9 @@ public:
     /// Returns their number.
     std::uint64_t Await(std::uint64_t seen, std::chrono::milliseconds longest);
 
+    /// Waits until all waiting is ended, but not longer than `longest`.
+    void AwaitClose(std::chrono::milliseconds longest);
+
     /// Ends all waiting, now and later.
     void Close();
     bool Closed() const;

@@ -8,6 +8,8 @@
 #include "operations/Operations.h"
 #include "operations/Scrutiny.h"
 
+#include <memory>
+
 namespace Brenmoor {
 namespace TavoSimulator {
 
@@ -209,7 +211,8 @@ private:
 };
 
 /// The requests of those who steer and look; they are not in the traffic.
-void Steer(World& world, HTTPServerRequest& in, HTTPServerResponse& response) {
+void Steer(World& world, HTTPServerRequest& in, HTTPServerResponse& response,
+           const std::shared_ptr<UnderWay>& underWay) {
     RecordedSocket& recorded = dynamic_cast<RecordedSocket&>(*SocketOf(in).impl());
     recorded.TakeRecording();
     const Reply reply = AnswerOrRefuse([&] {
@@ -220,6 +223,11 @@ void Steer(World& world, HTTPServerRequest& in, HTTPServerResponse& response) {
     });
     if (!Drain(in)) {
         response.setKeepAlive(false);
+    }
+    if (reply.stream) {
+        // Poco sends a stream's end when all is over here.
+        response.setKeepAlive(false);
+        recorded.Keep(underWay);
     }
     Send(reply, response);
     recorded.NextExchange();
@@ -272,9 +280,9 @@ void ExchangeDesk::WaitUntilIdle(std::chrono::milliseconds longest) {
 ExchangeHandler::ExchangeHandler(ExchangeDesk& theDesk) : desk(theDesk) {}
 
 void ExchangeHandler::handleRequest(HTTPServerRequest& request, HTTPServerResponse& response) {
-    const UnderWay underWay(desk);
+    const auto underWay = std::make_shared<UnderWay>(desk);
     if (IsControl(request.getURI())) {
-        Steer(desk.GetWorld(), request, response);
+        Steer(desk.GetWorld(), request, response, underWay);
         return;
     }
     std::uint64_t number = 0;

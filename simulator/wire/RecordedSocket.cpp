@@ -5,6 +5,7 @@
 #include <Poco/Net/ServerSocketImpl.h>
 #include <optional>
 #include <sys/socket.h>
+#include <utility>
 
 namespace Brenmoor {
 namespace TavoSimulator {
@@ -125,6 +126,10 @@ void RecordedSocket::NextExchange() {
 
 bool RecordedSocket::IsUsed() const {
     return used;
+}
+
+void RecordedSocket::Keep(std::shared_ptr<void> something) {
+    kept = std::move(something);
 }
 
 Poco::Net::ServerSocket ListenRecorded(const Listening& listening) {

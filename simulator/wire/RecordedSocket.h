@@ -40,6 +40,9 @@ public:
     /// Whether NextExchange was called, ever.
     bool IsUsed() const;
 
+    /// Keeps something until the connection is closed.
+    void Keep(std::shared_ptr<void> something);
+
 protected:
     ~RecordedSocket() override;
 
@@ -56,6 +59,7 @@ private:
     std::shared_ptr<Recording> recording = std::make_shared<Recording>();
     bool taken = false;
     bool used = false;
+    std::shared_ptr<void> kept;
 };
 
 /// How a server listens.

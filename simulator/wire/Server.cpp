@@ -19,8 +19,8 @@ constexpr int mostQueued = 256;
 constexpr auto longestSilenceSeconds = 30;
 constexpr auto keepAliveSeconds = 5;
 constexpr auto workerIdleMicroseconds = 200 * 1000;
-// How long replies to the polls that a stop ends may take to go out.
-constexpr std::chrono::milliseconds partingTime(500);
+// How long what a stop ends, as polls and streams of events, may take to go out.
+constexpr std::chrono::milliseconds partingTime(2000);
 
 Poco::Net::HTTPServerParams::Ptr Parameters() {
     Poco::Net::HTTPServerParams::Ptr parameters(new Poco::Net::HTTPServerParams);
