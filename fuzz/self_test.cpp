@@ -1,5 +1,5 @@
-// A deliberate fault behind a longer tag than the seed has: a few thousand changes of it are
-// enough. A fuzzer that does not find it finds nothing.
+// A deliberate fault behind a tag of more than two characters, which the fuzzer is not given but
+// comes to within some thousand changes. One that does not find it finds nothing.
 
 #include "Fuzz.h"
 

@@ -225,7 +225,7 @@ void Steer(World& world, HTTPServerRequest& in, HTTPServerResponse& response,
         response.setKeepAlive(false);
     }
     if (reply.stream) {
-        // Poco sends a stream's end when all is over here.
+        // Poco sends the last chunk only after the handler has returned.
         response.setKeepAlive(false);
         recorded.Keep(underWay);
     }

@@ -40,7 +40,7 @@ public:
     /// Whether NextExchange was called, ever.
     bool IsUsed() const;
 
-    /// Keeps something until the connection is closed.
+    /// Keeps something until the connection is closed or something else is to be kept.
     void Keep(std::shared_ptr<void> something);
 
 protected:

@@ -1,3 +1,5 @@
+#include <MirrinFramework/ByteArray.h>
+
 #include "Bytes.h"
 
 #include <cstring>
