@@ -3,6 +3,7 @@
 #include "support/Wire.h"
 
 #include <memory>
+#include <vector>
 
 namespace Brenmoor {
 namespace TavoSimulator {
@@ -104,6 +105,22 @@ TEST(Events, BringTheStateAndEachExchangeAndEndWithTheServer) {
     EXPECT_EQ(Count(news, "\"target\":\"/xp?op=off&id=before\""), 0U);
     server.reset();
     EXPECT_EQ(Count(events.ReadAll(), "\r\n0\r\n\r\n"), 1U) << "it ends as it should";
+}
+
+TEST(Events, AllEndAsTheyShouldWithTheServer) {
+    const TempFolder folder;
+    World world(SettingsIn(folder.path));
+    auto server = std::make_unique<Server>(world, "127.0.0.1", std::uint16_t{0}, nullptr);
+    std::vector<std::unique_ptr<Connection>> pages;
+    for (int i = 0; i < 30; ++i) {
+        pages.push_back(std::make_unique<Connection>(server->Port()));
+        pages.back()->Send(GetText("/sim/v1/events"));
+        pages.back()->ReadUntil("\n\n");
+    }
+    server.reset();
+    for (const auto& page : pages) {
+        EXPECT_EQ(Count(page->ReadAll(), "\r\n0\r\n\r\n"), 1U);
+    }
 }
 
 } // namespace
